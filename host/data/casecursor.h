@@ -1,0 +1,87 @@
+// The walk over the cases, a chunk of columns at a time. The module sees only the iterator (caseiterator.h); the
+// aggregation library reads the columns.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "host/common/api.h"
+
+/// How the cells of a column chunk are stored. Whole numbers of small range stand in the smallest type that holds them,
+/// the type's lowest value being system-missing; doubles have NaN for it. Strings are codes into a StringTable and know
+/// no system-missing.
+enum class ColumnStorage : std::uint8_t { Float64, Int8, Int16, Int32, StringCode };
+
+inline constexpr std::int8_t kInt8SystemMissing = INT8_MIN;
+inline constexpr std::int16_t kInt16SystemMissing = INT16_MIN;
+inline constexpr std::int32_t kInt32SystemMissing = INT32_MIN;
+
+/// The distinct texts of a string column. Codes count from 0 in order of first appearance; a code never changes its text.
+class HOST_API StringTable {
+ public:
+  virtual ~StringTable();
+  /// The text without trailing blanks, UTF-8. The view stays valid while the table lives.
+  virtual std::string_view Text(std::uint32_t code) const = 0;
+  virtual std::uint32_t Size() const = 0;
+};
+
+/// The cells of one column over the cursor's chunk: cells[0] belongs to row chunkBegin. Not owned; valid until the
+/// cursor leaves the chunk. The element type follows from `storage` (StringCode: std::uint32_t).
+struct ColumnView {
+  ColumnStorage storage = ColumnStorage::Float64;
+  const void* cells = nullptr;
+  const StringTable* strings = nullptr;  // only with StringCode
+};
+
+/// Told before the cursor leaves a chunk, while its columns can still be read, and when the cursor dies.
+class HOST_API ChunkListener {
+ public:
+  virtual ~ChunkListener();
+  virtual void LeaveChunk() = 0;
+  virtual void CursorGone() = 0;
+};
+
+/// One walk over the cases. Rows count from 0 over the whole dataset; -1 before the first case.
+class HOST_API CaseCursor {
+ public:
+  CaseCursor();
+  virtual ~CaseCursor();
+  CaseCursor(const CaseCursor&) = delete;
+  CaseCursor& operator=(const CaseCursor&) = delete;
+
+  /// Steps to the next case; false when the cases are exhausted (then `row` stands at the number of cases, and further
+  /// calls give false again).
+  bool Next() {
+    if (row + 1 < chunkEnd) {
+      ++row;
+      return true;
+    }
+    return StepToNextChunk();
+  }
+
+  /// The column of a variable (dictionary index) over the present chunk.
+  virtual ColumnView Column(int variable) const = 0;
+  /// The weights of the chunk's rows, null when every weight is 1. Never negative, never NaN: a missing, negative,
+  /// zero or infinite weight is 0 here.
+  virtual const double* Weights() const = 0;
+
+  void AddListener(ChunkListener* listener);
+  void RemoveListener(ChunkListener* listener);
+
+  // Read by the tables for every case, hence plain members.
+  std::int64_t row = -1;
+  std::int64_t chunkBegin = 0;  // first row of the chunk
+  std::int64_t chunkEnd = 0;    // one past its last row
+  bool atSplitGroupEnd = false;
+
+ protected:
+  /// Sets chunkBegin and chunkEnd to the next chunk and returns true, or false at the end, leaving both alone.
+  virtual bool LoadNextChunk() = 0;
+
+ private:
+  bool StepToNextChunk();
+
+  std::vector<ChunkListener*> fListeners;
+  bool fExhausted = false;
+};

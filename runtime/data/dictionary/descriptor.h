@@ -1,0 +1,104 @@
+// A dictionary file as it was read, before it meets the columns of a data file. Every reader of a dictionary standard
+// gives this form; assemble.h turns it, with what is known of the columns, into the Dictionary.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/data/attributes.h"
+#include "host/data/format.h"
+
+namespace runtime::data {
+
+/// How the cells of a field are read. All types that are neither numeric nor inferred are String.
+enum class FieldType {
+  Inferred,
+  String,
+  Integer,
+  Number,
+  Boolean,
+  Year,
+  Date,
+  DateTime,
+  Time,
+  YearMonth,
+  Duration
+};
+
+/// A value with a label, as text; `number` tells whether the file had a JSON number.
+struct LabelledValue {
+  std::string value;
+  bool isNumber = false;
+  std::optional<std::string> label;
+};
+
+struct MissingRangeDescriptor {
+  std::optional<double> min;  // absent: open
+  std::optional<double> max;
+};
+
+/// How the cells of a field are written: the properties of its type.
+struct FieldDialect {
+  FieldType type = FieldType::Inferred;
+  std::string format = "default";     // dates and times: "default", "any" or a strptime pattern
+  std::string decimalChar = ".";
+  std::string groupChar;
+  bool bareNumber = true;
+  std::vector<std::string> trueValues = {"true", "True", "TRUE", "1"};
+  std::vector<std::string> falseValues = {"false", "False", "FALSE", "0"};
+};
+
+struct FieldDescriptor {
+  std::string name;
+  std::optional<std::string> title;
+  std::optional<std::string> description;
+  FieldDialect dialect;
+  std::vector<LabelledValue> missingValues;  // the field's own, else the schema's, else one empty text
+  std::vector<MissingRangeDescriptor> missingRanges;
+  std::vector<LabelledValue> categories;
+  bool hasCategories = false;
+  bool categoriesOrdered = false;
+  std::vector<LabelledValue> valueLabels;  // of the extension property
+  std::optional<int> maxLength;            // bytes or more
+  std::optional<MAVO_Format> format;
+  std::optional<std::string> measure;  // as written; an unknown word is an error at assembly
+  std::optional<std::string> role;
+  DatasourceAttributes attributes;
+};
+
+struct SetDescriptor {
+  std::string name;
+  std::string label;
+  bool isDichotomy = false;
+  std::vector<std::string> variables;  // field names
+  std::string countedValue;
+  bool labelledByCountedValues = false;
+};
+
+/// Of the data file: how its text is cut into cells. Absent: found from the data.
+struct TextDialect {
+  std::optional<std::string> delimiter;
+  std::optional<std::string> quoteChar;  // empty text: no quoting
+  std::optional<bool> doubleQuote;
+  std::optional<bool> header;
+  std::optional<bool> skipInitialSpace;
+  std::optional<std::string> encoding;
+};
+
+struct TableDescriptor {
+  std::string origin;                  // the dictionary file, for messages
+  std::vector<std::string> dataPaths;  // checked, absolute; empty when the descriptor names no data
+  TextDialect dialect;
+  bool hasSchema = false;              // false: every column is inferred
+  std::vector<FieldDescriptor> fields;
+  std::vector<LabelledValue> missingValues;  // of the schema, for columns without a field; else one empty text
+  std::optional<std::string> weight;
+  std::vector<SetDescriptor> sets;
+  std::optional<std::string> label;
+  std::vector<std::vector<std::string>> documents;
+  DatasourceAttributes attributes;
+};
+
+}  // namespace runtime::data

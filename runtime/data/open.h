@@ -1,0 +1,45 @@
+// Opening a dataset: data file + dictionary.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "runtime/data/dataset.h"
+
+namespace runtime::data {
+
+/// The data or the dictionary cannot be read: what, where (file, line, column, variable) and what to do, in what().
+class DataError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Something that reading the data or the dictionary had to say, without stopping.
+struct Note {
+  bool isError = false;  // else a warning
+  std::string text;
+};
+
+struct OpenOptions {
+  std::string path;                       // a data file, a datapackage.json, or "-" for standard input
+  std::optional<std::string> dictionary;  // names the dictionary; otherwise it is looked for beside the data
+  std::optional<std::string> resource;    // of a data package that holds several
+  std::optional<std::string> weight;      // overrides the dictionary's weight variable; empty: unweighted
+  bool strict = false;                    // what does not fit the dictionary is an error
+  int threads = 0;                        // 0: as many as the machine has
+  std::int64_t chunkRows = 0;             // rows that a cursor hands out at once; 0: a whole block
+};
+
+struct OpenedDataset {
+  std::shared_ptr<const Dataset> dataset;
+  std::vector<Note> notes;  // in the order in which they arose
+};
+
+/// Throws DataError.
+OpenedDataset OpenDataset(const OpenOptions& options);
+
+}  // namespace runtime::data

@@ -1,0 +1,83 @@
+// The report: messages and pivot tables, exactly as a procedure built them. Renderers only read it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/data/format.h"
+#include "host/output/celltext.h"
+
+namespace runtime::output {
+
+/// What stands in a label or a cell.
+struct CellContent {
+  enum class Kind { Text, Number, DataValue, Variable };
+
+  Kind kind = Kind::Text;
+  std::string text;  // as shown, UTF-8 (data may hold control characters; renderers escape them)
+
+  bool fixed = false;  // Text: one of the procedure's own words
+
+  double number = 0.0;  // Number; DataValue of a numeric variable. NaN: system-missing
+  BpFormatSpec format;  // Number
+
+  std::string variable;               // DataValue, Variable: the variable's name
+  bool isString = false;              // DataValue: of a string variable
+  std::string stringValue;            // DataValue of a string variable: the value without trailing blanks
+  int show = 0;                       // Variable: 0 name, 1 label
+};
+
+using SharedContent = std::shared_ptr<const CellContent>;
+
+struct Cell {
+  const struct Item* column = nullptr;  // a column category of the same table; null: set on the row itself
+  SharedContent content;
+};
+
+/// A group or a category of a dimension. Owned by its parent.
+struct Item {
+  bool isGroup = false;
+  SharedContent label;
+  std::vector<std::unique_ptr<Item>> items;  // of a group
+  std::vector<Cell> cells;                   // of a row category, in the order in which they were set
+};
+
+struct Dimension {
+  SharedContent label;
+  bool inColumns = false;
+  Item root;  // an invisible group
+};
+
+struct Table {
+  SharedContent title;
+  SharedContent subtype;
+  bool flag = false;
+  std::optional<int> minDataColumnWidth;
+  std::vector<std::unique_ptr<Dimension>> dimensions;
+  Item* lastRow = nullptr;  // the row category created last
+};
+
+struct Procedure {
+  std::string title;
+  std::vector<std::shared_ptr<Table>> tables;  // in output order
+};
+
+enum class Severity { Warning, Error };
+enum class Source { Command, Data, Host };
+
+struct Message {
+  Severity severity = Severity::Warning;
+  Source source = Source::Command;
+  std::string text;
+};
+
+struct Report {
+  std::vector<Message> messages;  // in the order in which they arose
+  std::vector<std::shared_ptr<Procedure>> procedures;
+};
+
+}  // namespace runtime::output
