@@ -1,0 +1,3 @@
+#include "host/common/api.h"
+
+extern "C" HOST_API void CODEBOOK() {}
