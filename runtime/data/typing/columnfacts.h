@@ -1,0 +1,71 @@
+// What is known of a column after its cells were read: formats, widths and measurement levels follow from it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "runtime/data/dictionary/descriptor.h"
+
+namespace runtime::data {
+
+/// Of the values of a numeric column, missing codes included, system-missing excepted.
+class ValueFacts {
+ public:
+  /// Most different whole numbers that are remembered.
+  static constexpr std::size_t kMostDistinct = 24;
+
+  /// Takes values in; NaN is system-missing. REQUIRES: no infinities.
+  void Add(const double* values, std::size_t count);
+
+  bool hasValues() const { return fHasValues; }
+  double minimum() const { return fMinimum; }  // REQUIRES: hasValues
+  double maximum() const { return fMaximum; }
+  bool allIntegers() const { return fAllIntegers; }  // true also without any value
+  /// All values are whole numbers and at most kMostDistinct different ones; true also without any value.
+  bool fewIntegers() const { return fAllIntegers && !fManyDistinct; }
+  /// The different values, ascending; empty unless fewIntegers().
+  std::vector<double> DistinctIntegers() const;
+  /// Most columns that the whole part of a value needs, the minus sign included, at least 1.
+  int IntegerColumns() const;
+
+ private:
+  static constexpr int kSmallRange = 512;  // values from -512 to 511 are looked up by bit
+  void Remember(double value);
+
+  bool fHasValues = false;
+  bool fAllIntegers = true;
+  bool fManyDistinct = false;
+  double fMinimum = 0.0;
+  double fMaximum = 0.0;
+  double fLastSeen = 0.5;  // no whole number
+  std::uint64_t fSeenSmall[2 * kSmallRange / 64] = {};
+  std::vector<double> fDistinct;
+};
+
+/// A cell that did not read as the type of its column.
+struct UnreadableCell {
+  std::int64_t row = 0;   // of the data, from 1
+  std::int64_t line = 0;  // of the file, from 1; 0 when the source has no lines
+  std::string text;       // exact bytes
+};
+
+struct ColumnFacts {
+  static constexpr std::size_t kCellsKept = 3;
+
+  std::string header;                  // as it stands in the file
+  FieldType type = FieldType::String;  // as the cells were read, never Inferred
+  bool inferred = false;               // the type follows from the cells
+  std::int64_t rows = 0;
+  std::int64_t blankCells = 0;             // empty or nothing but blanks
+  std::int64_t unreadableCells = 0;        // of a numeric type: cells that are system-missing because they did not read
+  std::vector<UnreadableCell> unreadable;  // the first kCellsKept of them
+  std::size_t longestValue = 0;            // string: bytes without trailing blanks
+  int decimals = 0;                        // numeric: most digits behind the decimal point, the exponent considered
+  ValueFacts values;                       // numeric
+
+  bool isString() const { return type == FieldType::String; }
+};
+
+}  // namespace runtime::data
