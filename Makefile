@@ -1,0 +1,68 @@
+# The project's targets. Each installs what it needs first (scripts/setup: looks only, when all is there) and builds only
+# what changed, so any of them works in a fresh clone.
+SHELL := /bin/bash
+.SHELLFLAGS := -euo pipefail -c
+.DEFAULT_GOAL := build
+MAKEFLAGS += --no-print-directory
+JOBS ?= $(shell nproc)
+
+# $(call build,PRESET,OPTIONS)
+build = cmake --preset $(1) $(2) --log-level=WARNING >/dev/null && cmake --build build/$(1) -j $(JOBS)
+# $(call run_tests,PRESET): last in a target, so that its closing lines are ctest's summary.
+run_tests = ctest --test-dir build/$(1) --output-on-failure --no-tests=error -j $(JOBS)
+
+.PHONY: help build demo test test-asan test-tsan coverage format check-format tidy bench clean
+
+help:  ## show this list
+	@sed -n 's/^\([a-z-]*\):.*## /  make \1|/p' Makefile | column -t -s '|'
+
+build:  ## the release program: build/release/codebook, with codebook.so beside it
+	@scripts/setup build
+	@$(call build,release,-DCODEBOOK_TESTS=OFF)
+
+demo: build  ## build, then the codebook of a real survey
+	@scripts/demo
+
+test:  ## build for development, run every test
+	@scripts/setup build test
+	@$(call build,dev,)
+	@$(call run_tests,dev)
+
+test-asan: export ASAN_OPTIONS := detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
+test-asan: export UBSAN_OPTIONS := print_stacktrace=1
+test-asan:  ## the tests under the address and undefined-behaviour sanitizers
+	@scripts/setup build test
+	@$(call build,asan,)
+	@$(call run_tests,asan)
+
+test-tsan:  ## the tests under the thread sanitizer
+	@scripts/setup build test
+	@$(call build,tsan,)
+	@$(call run_tests,tsan)
+
+coverage:  ## branch coverage of codebook/; fails under 95 %
+	@scripts/setup build test coverage
+	@$(call build,coverage,)
+	@find build/coverage -name '*.gcda' -delete
+	@$(call run_tests,coverage)
+	@scripts/coverage
+
+format:  ## lay out every source as .clang-format says
+	@scripts/setup style
+	@scripts/format
+
+check-format:  ## say which sources are not laid out so
+	@scripts/setup style
+	@scripts/format --check
+
+tidy:  ## clang-tidy over what differs from origin/main (FILES="a.cpp b.cpp", or ALL=1 for every source)
+	@scripts/setup build test style
+	@cmake --preset dev --log-level=WARNING >/dev/null
+	@scripts/tidy $(if $(ALL),--all,$(FILES))
+
+bench: build  ## time the program on a synthetic survey (SHAPE=W, L or X)
+	@scripts/setup bench test
+	@scripts/bench $(or $(SHAPE),W)
+
+clean:  ## remove everything that was built
+	rm -rf build
