@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/common/api.h"
+#include "host/data/datasource.h"
 #include "host/output/celltext.h"
 #include "host/output/pivottable.h"
 
@@ -39,11 +40,14 @@ class HOST_API BpProcedure : public BpHeading {
 
   static BpFormatSpec Count();        // whole numbers
   static BpFormatSpec Percent();      // 1 decimal and a percent sign
-  static BpFormatSpec Coefficient();
-  /// Format of a mean or percentile of the variable (dictionary index): its decimals + 2, as wide as the number needs, of
-  /// type F or of the variable's own type where that is COMMA, DOT, DOLLAR, PCT or a custom currency; dates and times
-  /// in the variable's own format.
+  static BpFormatSpec Coefficient();  // 3 decimals
+  /// Format of a mean or percentile of the variable (dictionary index): its decimals + 2, as wide as the number needs,
+  /// of type F or of the variable's own type where that is COMMA, DOT, DOLLAR, PCT or a custom currency; dates and
+  /// times in the variable's own format.
   BpFormatSpec Mean(int variable) const;
   /// Format of a standard deviation: the same with decimals + 3; of dates and times a duration.
   BpFormatSpec StdDev(int variable) const;
+
+ private:
+  std::unique_ptr<const MAVO_DataSource> fSource;  // the dictionary of the active dataset; null when there is none
 };

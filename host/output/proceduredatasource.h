@@ -30,6 +30,6 @@ class HOST_API ProcedureDataSource : public MAVO_DataSource {
   /// Dictionary index of the weight variable, negative when the dataset is unweighted.
   int GetWeightVarIndex() const;
 
-  /// A ProcDSIterator, owned by the caller.
+  /// A ProcDSIterator, owned by the caller; null when there is no dataset.
   MAVO_InputCaseIterator* NewCaseIterator(int) override;
 };

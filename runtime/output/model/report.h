@@ -23,12 +23,12 @@ struct CellContent {
   bool fixed = false;  // Text: one of the procedure's own words
 
   double number = 0.0;  // Number; DataValue of a numeric variable. NaN: system-missing
-  BpFormatSpec format;  // Number
+  BpFormatSpec format;  // Number; DataValue: the variable's print format
 
-  std::string variable;               // DataValue, Variable: the variable's name
-  bool isString = false;              // DataValue: of a string variable
-  std::string stringValue;            // DataValue of a string variable: the value without trailing blanks
-  int show = 0;                       // Variable: 0 name, 1 label
+  std::string variable;     // DataValue, Variable: the variable's name
+  bool isString = false;    // DataValue: of a string variable
+  std::string stringValue;  // DataValue of a string variable: the value without trailing blanks
+  int show = 0;             // Variable: 0 name, 1 label
 };
 
 using SharedContent = std::shared_ptr<const CellContent>;
@@ -41,6 +41,7 @@ struct Cell {
 /// A group or a category of a dimension. Owned by its parent.
 struct Item {
   bool isGroup = false;
+  bool flag = false;  // of a group, as it was given
   SharedContent label;
   std::vector<std::unique_ptr<Item>> items;  // of a group
   std::vector<Cell> cells;                   // of a row category, in the order in which they were set
@@ -49,6 +50,8 @@ struct Item {
 struct Dimension {
   SharedContent label;
   bool inColumns = false;
+  int position = 0;  // the three of Position, as they were given
+  bool positionFlags[2] = {false, false};
   Item root;  // an invisible group
 };
 
@@ -63,6 +66,7 @@ struct Table {
 
 struct Procedure {
   std::string title;
+  int number = 0;                              // as it was given
   std::vector<std::shared_ptr<Table>> tables;  // in output order
 };
 

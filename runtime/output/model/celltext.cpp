@@ -1,0 +1,86 @@
+#include "host/output/celltext.h"
+
+#include <string_view>
+#include <utility>
+
+#include "runtime/output/format/valueformat.h"
+#include "runtime/output/model/report.h"
+
+using runtime::output::CellContent;
+using runtime::output::SharedContent;
+
+namespace {
+
+SharedContent TextContent(std::string text, bool fixed) {
+  auto content = std::make_shared<CellContent>();
+  content->text = std::move(text);
+  content->fixed = fixed;
+  return content;
+}
+
+SharedContent NumberContent(double value, BpFormatSpec format) {
+  auto content = std::make_shared<CellContent>();
+  content->kind = CellContent::Kind::Number;
+  content->text = runtime::output::FormatNumber(value, format);
+  content->number = value;
+  content->format = format;
+  return content;
+}
+
+SharedContent DataValueContent(const MAVO_Variable& variable, const OBS* value) {
+  auto content = std::make_shared<CellContent>();
+  content->kind = CellContent::Kind::DataValue;
+  content->variable = variable.GetName();
+  BpFormatSpec& format = content->format;
+  variable.GetFormatEx(format.type, format.width, format.decimals);
+  if (const int width = variable.GetType(); width > 0) {
+    std::string_view text(value->bytes, static_cast<std::size_t>(width));
+    text = text.substr(0, text.find_last_not_of(' ') + 1);
+    content->isString = true;
+    content->stringValue = text;
+    content->text = runtime::output::FormatText(text, format.type);
+    return content;
+  }
+  content->number = value->number;
+  content->text = runtime::output::FormatNumber(value->number, format);
+  return content;
+}
+
+SharedContent VariableContent(const MAVO_Variable& variable, BpVariable::Show show) {
+  auto content = std::make_shared<CellContent>();
+  content->kind = CellContent::Kind::Variable;
+  content->variable = variable.GetName();
+  content->show = show;
+  const char* label = show == BpVariable::kLabel ? variable.GetLabel() : nullptr;
+  content->text = label == nullptr ? content->variable : label;
+  return content;
+}
+
+}  // namespace
+
+BpCellText::BpCellText(SharedContent content) : fContent(std::move(content)) {}
+BpCellText::~BpCellText() = default;
+BpCellText::BpCellText(const BpCellText&) = default;
+BpCellText& BpCellText::operator=(const BpCellText&) = default;
+
+BpString::BpString(std::string text, bool fixed) : BpCellText(TextContent(std::move(text), fixed)) {}
+BpString::~BpString() = default;
+BpString::BpString(const BpString&) = default;
+BpString& BpString::operator=(const BpString&) = default;
+
+BpNumber::BpNumber(double value, BpFormatSpec format) : BpCellText(NumberContent(value, format)) {}
+BpNumber::~BpNumber() = default;
+BpNumber::BpNumber(const BpNumber&) = default;
+BpNumber& BpNumber::operator=(const BpNumber&) = default;
+
+// Both preferences show the formatted value: what a label would add stands in a cell of its own.
+BpDataValue::BpDataValue(const MAVO_Variable& variable, const OBS* value, Preference)
+    : BpCellText(DataValueContent(variable, value)) {}
+BpDataValue::~BpDataValue() = default;
+BpDataValue::BpDataValue(const BpDataValue&) = default;
+BpDataValue& BpDataValue::operator=(const BpDataValue&) = default;
+
+BpVariable::BpVariable(const MAVO_Variable& variable, Show show) : BpCellText(VariableContent(variable, show)) {}
+BpVariable::~BpVariable() = default;
+BpVariable::BpVariable(const BpVariable&) = default;
+BpVariable& BpVariable::operator=(const BpVariable&) = default;
