@@ -13,19 +13,7 @@
 namespace runtime::data {
 
 /// How the cells of a field are read. All types that are neither numeric nor inferred are String.
-enum class FieldType {
-  Inferred,
-  String,
-  Integer,
-  Number,
-  Boolean,
-  Year,
-  Date,
-  DateTime,
-  Time,
-  YearMonth,
-  Duration
-};
+enum class FieldType { Inferred, String, Integer, Number, Boolean, Year, Date, DateTime, Time, YearMonth, Duration };
 
 /// A value with a label, as text; `number` tells whether the file had a JSON number.
 struct LabelledValue {
@@ -42,7 +30,7 @@ struct MissingRangeDescriptor {
 /// How the cells of a field are written: the properties of its type.
 struct FieldDialect {
   FieldType type = FieldType::Inferred;
-  std::string format = "default";     // dates and times: "default", "any" or a strptime pattern
+  std::string format = "default";  // dates and times: "default", "any" or a strptime pattern
   std::string decimalChar = ".";
   std::string groupChar;
   bool bareNumber = true;
@@ -91,7 +79,7 @@ struct TableDescriptor {
   std::string origin;                  // the dictionary file, for messages
   std::vector<std::string> dataPaths;  // checked, absolute; empty when the descriptor names no data
   TextDialect dialect;
-  bool hasSchema = false;              // false: every column is inferred
+  bool hasSchema = false;  // false: every column is inferred
   std::vector<FieldDescriptor> fields;
   std::vector<LabelledValue> missingValues;  // of the schema, for columns without a field; else one empty text
   std::optional<std::string> weight;

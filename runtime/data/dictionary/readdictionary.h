@@ -20,7 +20,8 @@ std::optional<std::string> FindDictionary(const std::string& dataPath);
 struct DictionaryRequest {
   std::string path;                     // the dictionary file
   std::optional<std::string> resource;  // of a data package
-  std::optional<std::string> dataPath;  // the data file that the dictionary is for; absent: the package names it
+  std::optional<std::string> dataPath;  // the data file that the dictionary is for, "-" for standard input; absent: the
+                                        // package names it
 };
 
 /// Reads a Data Package or a Table Schema. Of a package, the resource is the one asked for, else the one that lists the
