@@ -1,1 +1,123 @@
-int main() { return 0; }
+// The codebook program: reads the command line, opens the data, runs the commands through the module, writes the report.
+#include <clocale>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+#include <thread>
+
+#include "host/common/check.h"
+
+#include "app/exitstatus.h"
+#include "app/moduleloader.h"
+#include "app/options.h"
+#include "app/reportsink.h"
+#include "app/terminal.h"
+#include "app/timings.h"
+#include "runtime/common/session.h"
+#include "runtime/data/open.h"
+#include "runtime/output/render/renderer.h"
+#include "runtime/output/render/terminaltext.h"
+
+namespace {
+
+using runtime::output::Report;
+using runtime::output::Severity;
+using runtime::output::Source;
+
+bool localeIsUtf8 = true;
+
+/// To standard error, in one write, with nothing from the data raw.
+void Say(const std::string& text) {
+  const std::string line = "codebook: " + runtime::output::EscapeForTerminal(text, localeIsUtf8) + "\n";
+  std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void SayMessages(const Report& report) {
+  for (const runtime::output::Message& message : report.messages)
+    Say((message.severity == Severity::Error ? "error: " : "warning: ") + message.text);
+}
+
+void AddNotes(const std::vector<runtime::data::Note>& notes, Report& report) {
+  for (const runtime::data::Note& note : notes)
+    report.messages.push_back({note.isError ? Severity::Error : Severity::Warning, Source::Data, note.text});
+}
+
+int ThreadCount(const app::Options& options) {
+  if (options.data.threads > 0) return options.data.threads;
+  return static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+}
+
+int Run(int argc, char** argv) {
+  const app::Options options = app::ReadOptions(argc, argv);
+  const std::string commands = app::CommandText(options);
+  const runtime::output::RenderOptions rendering = app::DescribeTerminal(options.width, options.outputFile.has_value());
+
+  app::Timings timings;
+  timings.Begin("read");
+  const app::Module module(app::BesideProgram("codebook.so"));
+  const runtime::data::OpenedDataset opened = runtime::data::OpenDataset(options.data);
+
+  timings.Begin("command");
+  runtime::common::SessionOptions sessionOptions;
+  sessionOptions.threads = ThreadCount(options);
+  sessionOptions.onPassBegins = [&timings] { timings.Begin("pass"); };
+  sessionOptions.onTablesBegin = [&timings] { timings.Begin("tables"); };
+  runtime::common::Session session(opened.dataset, {{"CODEBOOK", module.Procedure("CODEBOOK")}}, sessionOptions);
+  AddNotes(opened.notes, session.report());
+  const bool allDone = session.Run(commands);
+
+  timings.Begin("render");
+  const auto renderer = runtime::output::FindReportFormat(options.format)->newRenderer(rendering);
+  try {
+    app::WriteReportTo(options.outputFile, [&](std::ostream& out) { renderer->Render(session.report(), out); });
+  } catch (const app::OutputError&) {
+    SayMessages(session.report());
+    throw;
+  }
+  SayMessages(session.report());
+  if (options.timings) Say("timings: " + timings.Line());
+  return allDone ? app::kDone : app::kCommandStopped;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  app::SecureStandardStreams();
+  app::HandleInterrupts();
+  std::setlocale(LC_CTYPE, "");
+  localeIsUtf8 = app::DescribeTerminal(std::nullopt, false).utf8;
+  try {
+    return Run(argc, argv);
+  } catch (const app::TextWanted& wanted) {
+    try {
+      app::WriteReportTo(std::nullopt, [&wanted](std::ostream& out) { out << wanted.text; });
+      return app::kDone;
+    } catch (const app::OutputError& error) {
+      Say(error.what());
+      return app::kNoOutput;
+    }
+  } catch (const app::UsageError& error) {
+    Say(error.what());
+    return app::kWrongUse;
+  } catch (const runtime::data::DataError& error) {
+    Say(std::string("error: ") + error.what());
+    return app::kNoData;
+  } catch (const app::OutputError& error) {
+    Say(std::string("error: ") + error.what());
+    return app::kNoOutput;
+  } catch (const InternalCheckFailure& failure) {
+    Say("internal check failed: " + failure.condition() + " (" + failure.source() + ")\nNo report was written.");
+    return app::kInternal;
+  } catch (const app::ModuleError& error) {
+    Say(error.what());
+    return app::kInternal;
+  } catch (const std::bad_alloc&) {
+    Say("error: There is not enough memory for this dataset and command. No report was written.");
+    return app::kInternal;
+  } catch (const std::exception& error) {
+    Say(std::string("internal error: ") + error.what() + "\nNo report was written.");
+    return app::kInternal;
+  }
+}

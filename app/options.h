@@ -1,0 +1,39 @@
+// The command line.
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "runtime/data/open.h"
+
+namespace app {
+
+struct Options {
+  runtime::data::OpenOptions data;
+  std::optional<std::string> commandText;  // -c
+  std::optional<std::string> commandFile;  // -f
+  std::string format;                      // a name that the program can write
+  std::optional<std::string> outputFile;   // -o; absent: standard output
+  std::optional<int> width;                // of text; absent: the terminal's
+  bool timings = false;
+};
+
+/// The command line cannot be used as it stands; what() says why and what to do.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The command line asks for a text (help, version) and for nothing else.
+struct TextWanted {
+  std::string text;
+};
+
+/// Reads the command line. Throws UsageError, or TextWanted for --help and --version.
+Options ReadOptions(int argc, const char* const* argv);
+
+/// The text of the commands to run: that of -c, of the file of -f, or the program's own. Throws UsageError.
+std::string CommandText(const Options& options);
+
+}  // namespace app

@@ -1,0 +1,33 @@
+#include "app/terminal.h"
+
+#include <langinfo.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string_view>
+
+namespace app {
+
+namespace {
+
+constexpr int kDefaultWidth = 80;
+
+int TerminalWidth() {
+  winsize size{};
+  if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  return kDefaultWidth;
+}
+
+}  // namespace
+
+runtime::output::RenderOptions DescribeTerminal(std::optional<int> askedWidth, bool toFile) {
+  runtime::output::RenderOptions options;
+  const bool onTerminal = !toFile && ::isatty(STDOUT_FILENO) != 0;
+  options.width = askedWidth.value_or(onTerminal ? TerminalWidth() : kDefaultWidth);
+  options.utf8 = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
+  options.color = onTerminal && std::getenv("NO_COLOR") == nullptr;
+  return options;
+}
+
+}  // namespace app

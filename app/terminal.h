@@ -1,0 +1,13 @@
+// What the place that text goes to can show.
+#pragma once
+
+#include <optional>
+
+#include "runtime/output/render/renderer.h"
+
+namespace app {
+
+/// Width: as asked, else the terminal's on standard output, else 80. UTF-8 by the locale, colour only on a terminal.
+runtime::output::RenderOptions DescribeTerminal(std::optional<int> askedWidth, bool toFile);
+
+}  // namespace app

@@ -1,0 +1,118 @@
+#include "runtime/common/session.h"
+
+#include <utility>
+#include <vector>
+
+#include "runtime/aggregation/binding.h"
+#include "runtime/common/statisticswatch.h"
+#include "runtime/output/binding.h"
+#include "runtime/parser/binding.h"
+#include "runtime/parser/commandtext.h"
+#include "runtime/parser/unknowncommand.h"
+
+namespace runtime::common {
+
+/// Puts messages into the report and knows whether the present command has stopped with an error: an error behind which a
+/// procedure neither asked for cases nor opened a table ended it.
+class Session::Messages : public parser::MessageSink {
+ public:
+  explicit Messages(output::Report& report) : fReport(report) {}
+
+  void Report(bool isError, const std::string& text) override {
+    Add(isError ? output::Severity::Error : output::Severity::Warning, output::Source::Command, text);
+    if (isError) fStopped = true;
+  }
+
+  void Add(output::Severity severity, output::Source source, const std::string& text) {
+    fReport.messages.push_back({severity, source, text});
+  }
+
+  void CommandGoesOn() { fStopped = false; }
+  bool TakeStopped() { return std::exchange(fStopped, false); }
+
+ private:
+  output::Report& fReport;
+  bool fStopped = false;
+};
+
+/// Binds the three libraries to the session on this thread, and gives them back what was bound before.
+class Session::Binding {
+ public:
+  Binding(Session& session, Messages& messages)
+      : fWatch([&messages](const std::string& text) {
+          messages.Add(output::Severity::Warning, output::Source::Host, text);
+        }) {
+    fCommand.sink = &messages;
+    fOutput.report = &session.fReport;
+    fOutput.dataset = session.fDataset;
+    fOutput.datasetUnusable = session.fDataset == nullptr;
+    fOutput.onCursorOpened = [this, &session, &messages] {
+      messages.CommandGoesOn();
+      fBeforeTables = true;
+      if (session.fOptions.onPassBegins) session.fOptions.onPassBegins();
+    };
+    fOutput.onTableOpened = [this, &session, &messages](const std::string& title) {
+      messages.CommandGoesOn();
+      fWatch.TableOpened(title);
+      if (std::exchange(fBeforeTables, false) && session.fOptions.onTablesBegin) session.fOptions.onTablesBegin();
+    };
+    fAggregation.threads = session.fOptions.threads;
+    fAggregation.onScaleStatisticRead = [this, &session](int variable) {
+      fWatch.StatisticRead(session.fDataset->dictionary().variables[static_cast<std::size_t>(variable)]->name);
+    };
+    fPreviousCommand = parser::BindCommand(&fCommand);
+    fPreviousOutput = output::BindOutput(&fOutput);
+    fPreviousAggregation = aggregation::BindAggregation(&fAggregation);
+  }
+
+  ~Binding() {
+    parser::BindCommand(fPreviousCommand);
+    output::BindOutput(fPreviousOutput);
+    aggregation::BindAggregation(fPreviousAggregation);
+  }
+
+  Binding(const Binding&) = delete;
+  Binding& operator=(const Binding&) = delete;
+
+  void Call(const parser::ReadCommand& command, ProcedureEntry entry) {
+    fCommand.command = &command;
+    fWatch.NoTable();
+    entry();
+    fCommand.command = nullptr;
+  }
+
+ private:
+  StatisticsWatch fWatch;
+  bool fBeforeTables = false;
+  parser::CommandBinding fCommand;
+  output::OutputBinding fOutput;
+  aggregation::AggregationBinding fAggregation;
+  parser::CommandBinding* fPreviousCommand = nullptr;
+  output::OutputBinding* fPreviousOutput = nullptr;
+  aggregation::AggregationBinding* fPreviousAggregation = nullptr;
+};
+
+Session::Session(std::shared_ptr<const data::Dataset> dataset, ProcedureTable procedures, SessionOptions options)
+    : fDataset(std::move(dataset)), fProcedures(std::move(procedures)), fOptions(std::move(options)) {}
+
+Session::~Session() = default;
+
+bool Session::Run(const std::string& text) {
+  std::vector<std::string> known;
+  for (const auto& [name, entry] : fProcedures) known.push_back(name);
+
+  Messages messages(fReport);
+  Binding binding(*this, messages);
+  bool allDone = true;
+  for (const parser::ReadCommand& command : parser::ReadCommands(text)) {
+    const auto procedure = fProcedures.find(command.upperName());
+    if (procedure == fProcedures.end())
+      messages.Report(true, parser::UnknownCommandMessage(command, known));
+    else
+      binding.Call(command, procedure->second);
+    if (messages.TakeStopped()) allDone = false;
+  }
+  return allDone;
+}
+
+}  // namespace runtime::common

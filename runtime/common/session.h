@@ -1,0 +1,53 @@
+// A session binds a dataset, the command text and the report for one run.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "host/common/notification.h"
+
+#include "runtime/data/dataset.h"
+#include "runtime/output/model/report.h"
+
+namespace runtime::common {
+
+/// Procedures by command name, in upper case.
+using ProcedureTable = std::map<std::string, ProcedureEntry>;
+
+struct SessionOptions {
+  int threads = 1;
+  /// Called when a procedure asks for the cases and when it opens its first table behind that; for timings. May be empty.
+  std::function<void()> onPassBegins;
+  std::function<void()> onTablesBegin;
+};
+
+/// Runs commands over one dataset and gathers what they report. A session may be made on any thread and is used by one
+/// thread at a time; several sessions in several threads do not touch each other.
+class Session {
+ public:
+  /// `dataset` may be null: every procedure then finds its active dataset unusable.
+  Session(std::shared_ptr<const data::Dataset> dataset, ProcedureTable procedures, SessionOptions options = {});
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  /// Runs the commands of a text, one behind the other. False when a command stopped with an error; the ones behind it
+  /// still ran. An InternalCheckFailure, and any other exception of a procedure, passes on, and no further command runs.
+  bool Run(const std::string& text);
+
+  /// Everything that the commands so far reported, messages and tables.
+  output::Report& report() { return fReport; }
+
+ private:
+  class Messages;
+  class Binding;
+
+  std::shared_ptr<const data::Dataset> fDataset;
+  ProcedureTable fProcedures;
+  SessionOptions fOptions;
+  output::Report fReport;
+};
+
+}  // namespace runtime::common
