@@ -33,7 +33,8 @@ class HOST_API ParamObj {
   bool getStringAndQual(ParamObj& chosen, const ParamDescriptor* descriptor, const ParserMessage* message) const;
   /// The string that a keyword or qualifier carries; false, leaving `text` alone, when it carries none.
   bool getStringGeneric(std::string& text) const;
-  /// The parameter's tokens (of the exported parameter: the subcommand's raw tokens).
+  /// A copy of the parameter's tokens, from its keyword to the end of its value (of the exported parameter: the
+  /// subcommand's raw tokens); false, leaving `tokens` alone, for a ParamObj that was not read from a command.
   bool getTokenList(std::vector<TokenInfoObj>& tokens) const;
 
  private:
@@ -41,9 +42,10 @@ class HOST_API ParamObj {
 
   std::string fName;
   std::vector<TokenInfoObj> fTokens;
+  bool fWritten = false;  // read from a command text
   bool fHasValue = false;
-  std::string fValue;                        // the value's text, when it is a plain value
-  std::shared_ptr<const ParamObj> fChosen;   // the qualifier or declared value, when there is one
+  std::string fValue;                       // the value's text, when it is a plain value
+  std::shared_ptr<const ParamObj> fChosen;  // the qualifier or declared value, when there is one
 };
 
 /// A subcommand that the user wrote. Pointers that it gives stay valid while the CommandSpec lives.
@@ -64,6 +66,7 @@ class HOST_API SubComObj {
 
  private:
   friend class CommandReader;
+  friend class CommandSpec;
 
   std::string fName;
   mutable std::vector<TokenInfoObj> fTokens;
