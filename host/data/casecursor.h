@@ -34,7 +34,8 @@ struct ColumnView {
   const StringTable* strings = nullptr;  // only with StringCode
 };
 
-/// Told before the cursor leaves a chunk, while its columns can still be read, and when the cursor dies.
+/// Told before the cursor leaves a chunk, while its columns can still be read, and when the cursor dies. A cursor that
+/// dies in the middle of a chunk leaves the chunk first. A listener may remove itself or others while it is told.
 class HOST_API ChunkListener {
  public:
   virtual ~ChunkListener();
@@ -78,10 +79,15 @@ class HOST_API CaseCursor {
  protected:
   /// Sets chunkBegin and chunkEnd to the next chunk and returns true, or false at the end, leaving both alone.
   virtual bool LoadNextChunk() = 0;
+  /// Tells the listeners that the cursor dies. To be called first in a derived class's destructor, while its columns can
+  /// still be read.
+  void Farewell();
 
  private:
   bool StepToNextChunk();
+  void TellListeners();
 
-  std::vector<ChunkListener*> fListeners;
+  std::vector<ChunkListener*> fListeners;  // null: removed while the listeners were told
+  bool fTelling = false;
   bool fExhausted = false;
 };

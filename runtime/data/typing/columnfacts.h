@@ -10,14 +10,25 @@
 
 namespace runtime::data {
 
+/// A few values looked at together; NaN is system-missing.
+struct ValueSummary {
+  bool hasValues = false;
+  bool allIntegers = true;
+  double minimum = 0.0;
+  double maximum = 0.0;
+};
+
+/// REQUIRES: no infinities.
+ValueSummary Summarize(const double* values, std::size_t count);
+
 /// Of the values of a numeric column, missing codes included, system-missing excepted.
 class ValueFacts {
  public:
   /// Most different whole numbers that are remembered.
   static constexpr std::size_t kMostDistinct = 24;
 
-  /// Takes values in; NaN is system-missing. REQUIRES: no infinities.
-  void Add(const double* values, std::size_t count);
+  /// Takes values in; `summary` is theirs.
+  void Add(const double* values, std::size_t count, const ValueSummary& summary);
 
   bool hasValues() const { return fHasValues; }
   double minimum() const { return fMinimum; }  // REQUIRES: hasValues

@@ -1,0 +1,92 @@
+#include "runtime/data/store/stringtable.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace runtime::data {
+
+namespace {
+
+constexpr std::size_t kArenaBytes = std::size_t{64} * 1024;
+constexpr std::size_t kFirstSlots = 16;
+
+std::uint64_t ReadWord(const char* bytes, std::size_t count) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, count);
+  return word;
+}
+
+std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
+  __extension__ using Wide = unsigned __int128;
+  const Wide product = static_cast<Wide>(a) * b;
+  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+/// Multiply-and-fold over words of eight bytes.
+std::uint32_t HashOf(std::string_view text) {
+  constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15U;
+  constexpr std::uint64_t kSecond = 0xD6E8FEB86659FD93U;
+  std::uint64_t hash = kFirst ^ text.size();
+  const char* at = text.data();
+  std::size_t left = text.size();
+  for (; left >= 8; at += 8, left -= 8) hash = Mix(hash ^ ReadWord(at, 8), kSecond);
+  if (left > 0) hash = Mix(hash ^ ReadWord(at, left), kSecond);
+  hash = Mix(hash, kFirst);
+  return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+}
+
+std::string_view WithoutTrailingBlanks(std::string_view text) {
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
+
+}  // namespace
+
+ArenaStringTable::ArenaStringTable() : fSlots(kFirstSlots) {}
+ArenaStringTable::~ArenaStringTable() = default;
+
+std::uint32_t ArenaStringTable::Enter(std::string_view text) {
+  text = WithoutTrailingBlanks(text);
+  const std::uint32_t hash = HashOf(text);
+  const std::size_t mask = fSlots.size() - 1;
+  std::size_t at = hash & mask;
+  for (; fSlots[at].code != kFree; at = (at + 1) & mask)
+    if (fSlots[at].hash == hash && fTexts[fSlots[at].code] == text) return fSlots[at].code;
+
+  const auto code = static_cast<std::uint32_t>(fTexts.size());
+  fTexts.push_back(Store(text));
+  fSlots[at] = {hash, code};
+  fLongestText = std::max(fLongestText, text.size());
+  if (fTexts.size() * 2 > fSlots.size()) Grow();
+  return code;
+}
+
+std::string_view ArenaStringTable::Store(std::string_view text) {
+  if (text.empty()) return {};
+  if (text.size() > fFreeBytes) {
+    // Small columns pay for what they hold, large ones for few allocations.
+    const std::size_t bytes = std::max(text.size(), std::min(kArenaBytes, std::size_t{256} << fArena.size()));
+    fArena.push_back(std::make_unique_for_overwrite<char[]>(bytes));
+    fFree = fArena.back().get();
+    fFreeBytes = bytes;
+  }
+  std::memcpy(fFree, text.data(), text.size());
+  const std::string_view stored(fFree, text.size());
+  fFree += text.size();
+  fFreeBytes -= text.size();
+  return stored;
+}
+
+void ArenaStringTable::Grow() {
+  std::vector<Slot> slots(fSlots.size() * 2);
+  const std::size_t mask = slots.size() - 1;
+  for (const Slot& slot : fSlots) {
+    if (slot.code == kFree) continue;
+    std::size_t at = slot.hash & mask;
+    while (slots[at].code != kFree) at = (at + 1) & mask;
+    slots[at] = slot;
+  }
+  fSlots = std::move(slots);
+}
+
+}  // namespace runtime::data
