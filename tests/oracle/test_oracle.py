@@ -13,10 +13,12 @@ from fractions import Fraction
 import exact
 from commandtext import CommandError, parse_command, split_commands
 from dictionary import Dataset, ResponseSet, Variable, made_well_formed, read_dataset
+from generate import make_case
 from listing import ListFailed, ListReader
 from oracle import report_for
 from procedure import Run, attribute_rows, counted_value, document_text
 from report import Messages
+from run import differences, message_differences
 from settings import CommandStopped, interpret
 from showing import Format, number_text
 
@@ -334,6 +336,47 @@ class Pieces(unittest.TestCase):
                            "codebook": {"weight": "w"}}, file)
             dataset = read_dataset(os.path.join(folder, "d.csv"), os.path.join(folder, "d.schema.json"))
         self.assertEqual(dataset.weights, [Fraction(5, 2), 0, 0, 0, 0])
+
+
+class Comparison(unittest.TestCase):
+    """The comparison can fail."""
+
+    def found(self, expected, got):
+        return [place for place, _ in differences(expected, got)]
+
+    def test_equalReportsDoNotDiffer(self):
+        report, _ = report_for(dataset_of(numeric("a", [1., 2.])), "CODEBOOK")
+        self.assertEqual(self.found(report, json.loads(json.dumps(report))), [])
+
+    def test_everyChangeIsSeen(self):
+        cell = {"column": "Count", "text": "1", "number": 1.0, "format": "F"}
+        for key, value in (("column", "Value"), ("text", "2"), ("number", 1.0000000000000002), ("number", None),
+                           ("format", "F.1")):
+            self.assertEqual(self.found([cell], [{**cell, key: value}]), [f"[0].{key}"])
+        self.assertEqual(self.found([cell], []), [""])
+        self.assertEqual(self.found([], [cell]), [""])
+        self.assertEqual(self.found({"fixed": True}, {"fixed": 1}), [".fixed"])
+        self.assertEqual(self.found({"a": 1}, {"b": 1}), [".a", ".b"])
+
+    def test_onlyAPercentMayDifferByOneUnitInTheLastPlace(self):
+        cell = {"column": "Percent", "number": 50.0}
+        one, two = 50.0 + math.ulp(50.0), 50.0 + 2 * math.ulp(50.0)
+        self.assertEqual(self.found(cell, {**cell, "number": one}), [])
+        self.assertEqual(self.found(cell, {**cell, "number": two}), [".number"])
+        self.assertEqual(self.found({**cell, "column": "Count"}, {**cell, "column": "Count", "number": one}), [".number"])
+
+    def test_messagesAreCountedAndOnlyThoseOfReadingTheDataLetPass(self):
+        expected = [{"severity": "error", "source": "command", "text": None}]
+        same = [{"severity": "warning", "source": "data", "text": "x"}, {"severity": "error", "source": "command", "text": "y"}]
+        self.assertEqual(list(message_differences(expected, same)), [])
+        self.assertEqual(len(list(message_differences(expected, same[:1]))), 1)
+        self.assertEqual(len(list(message_differences(expected, [{**same[1], "severity": "warning"}]))), 1)
+
+    def test_generatedCasesAreTheSameForTheSameSeed(self):
+        for number in range(20):
+            one, other = make_case(3, number), make_case(3, number)
+            self.assertEqual((one.files, one.command, one.weight), (other.files, other.command, other.weight))
+        self.assertNotEqual(make_case(3, 0).files, make_case(4, 0).files)
 
 
 if __name__ == "__main__":
