@@ -335,7 +335,7 @@ class CommandMaker:
     def cased(self, word):
         if self.chance(0.75):
             return word
-        return self.numbers.choice([word.lower(), word.upper(), word.swapcase()]) if word.isascii() else word
+        return self.numbers.choice([word.lower(), word.upper(), word.swapcase()])
 
     # The list.
 

@@ -110,7 +110,9 @@ def run_case(program, seed, number, folder, keep):
         place = kept
     elif not found:
         shutil.rmtree(place)
-    return number, found, case.arguments(place), case.command
+    again = "" if keep else f"tests/oracle/generate.py {seed} {number} {place} && "
+    again += "codebook " + " ".join(a if a else "''" for a in case.arguments(place))
+    return number, found, again, case.command
 
 
 def run_cases(program, seed, numbers, folder, keep):
@@ -118,12 +120,12 @@ def run_cases(program, seed, numbers, folder, keep):
 
 
 def show(result, limit):
-    number, found, arguments, command = result
+    number, found, again, command = result
     print(f"case {number}: {len(found)} differences")
     print("  command: " + command.strip().replace("\n", "\n           "))
     for place, words in found[:limit]:
         print(f"  {place}: {words}")
-    print("  again:   codebook " + " ".join(a if a else "''" for a in arguments))
+    print("  again:   " + again)
 
 
 def main():
