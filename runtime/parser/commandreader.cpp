@@ -78,12 +78,6 @@ std::string NameOf(const SubComDescriptor& grammar) {
   return grammar.name().empty() ? "the list" : "subcommand " + grammar.name();
 }
 
-std::string ExpectedInside(const SubComDescriptor& grammar) {
-  std::vector<std::string> expected = NamesOf(grammar.params());
-  expected.emplace_back("the next subcommand");
-  return ListAlternatives(expected);
-}
-
 /// Says where a word that is no keyword of this subcommand does belong; empty when it belongs nowhere.
 std::string WhereItBelongs(const std::string& upperWord, const SubComDescriptor& here,
                            const std::vector<SubComDescriptor>& subcommands) {
@@ -177,13 +171,14 @@ bool CommandReader::ReadSubcommand() {
 bool CommandReader::ReadBody(const SubComDescriptor& grammar) {
   auto subcommand = std::make_unique<SubComObj>();
   subcommand->fName = grammar.name();
+  fWrittenWithValue.clear();
   const std::size_t first = fNext;
   if (grammar.exportsTokens() && grammar.params().empty()) SkipToSubcommand();
   while (Peek() != nullptr && !IsSlash(*Peek())) {
     if (!ReadParam(grammar, *subcommand)) return false;
   }
   if (fNext == first && !grammar.emptyAllowed()) {
-    return Fail(fmt::format("{} stands empty, found {}", "Subcommand " + grammar.name(), ShowFound(Peek())),
+    return Fail(fmt::format("Subcommand {} stands empty, found {}", grammar.name(), ShowFound(Peek())),
                 ListAlternatives(NamesOf(grammar.params())));
   }
 
@@ -204,20 +199,21 @@ bool CommandReader::ReadParam(const SubComDescriptor& grammar, SubComObj& subcom
   const ParamDescriptor* param = FindParam(grammar.params(), keyword.getUpperString());
   if (param == nullptr) return FailNoKeyword(grammar);
 
-  const ParamObj* earlier = subcommand.getParamObj(param->name());
-  if (TakesValue(*param) && earlier != nullptr) return FailKeywordTwice(grammar, *earlier);
+  if (const TokenInfoObj* first = FirstWithValue(*param)) return FailKeywordTwice(grammar, *param, *first);
   const std::size_t first = fNext;
   ++fNext;
 
   auto read = std::make_unique<ParamObj>();
   if (TakesValue(*param)) {
+    fWrittenWithValue.emplace_back(param, &keyword);
     if (!ReadCarriedValue(grammar, *param, *read)) return false;
   } else if (AtValueSign()) {
     return Fail(
         fmt::format("Keyword {} of {} takes no value, found {}", param->name(), NameOf(grammar), ShowFound(Peek())),
         ExpectedInside(grammar));
   }
-  if (earlier != nullptr) return true;  // a bare keyword says no more the second time
+  // A bare keyword says no more the second time.
+  if (subcommand.getParamObj(param->name()) != nullptr) return true;
 
   read->fName = param->name();
   read->fWritten = true;
@@ -325,6 +321,22 @@ bool CommandReader::ReadQualifier(const SubComDescriptor& grammar, const ParamDe
   return true;
 }
 
+std::string CommandReader::ExpectedInside(const SubComDescriptor& grammar) const {
+  std::vector<std::string> expected;
+  for (const ParamDescriptor& param : grammar.params()) {
+    if (FirstWithValue(param) == nullptr) expected.push_back(param.name());
+  }
+  expected.emplace_back("the next subcommand");
+  return ListAlternatives(expected);
+}
+
+const TokenInfoObj* CommandReader::FirstWithValue(const ParamDescriptor& param) const {
+  for (const auto& [written, keyword] : fWrittenWithValue) {
+    if (written == &param) return keyword;
+  }
+  return nullptr;
+}
+
 bool CommandReader::Fail(std::string problem, std::string expected, std::string suggestion, std::string advice) {
   fErrors.push_back({Place(), std::move(problem), std::move(suggestion), std::move(expected), std::move(advice)});
   return false;
@@ -392,11 +404,11 @@ bool CommandReader::FailSubcommandTwice(const SubComDescriptor& grammar, const T
               fmt::format("It stands first at line {}, column {}", first.line(), first.column()));
 }
 
-bool CommandReader::FailKeywordTwice(const SubComDescriptor& grammar, const ParamObj& first) {
-  const TokenInfoObj& earlier = first.fTokens.front();
-  return Fail(fmt::format("Keyword {} is given twice in {}, found again", first.getParamName(), NameOf(grammar)),
+bool CommandReader::FailKeywordTwice(const SubComDescriptor& grammar, const ParamDescriptor& param,
+                                     const TokenInfoObj& first) {
+  return Fail(fmt::format("Keyword {} is given twice in {}, found again", param.name(), NameOf(grammar)),
               ExpectedInside(grammar), {},
-              fmt::format("It stands first at line {}, column {}", earlier.line(), earlier.column()));
+              fmt::format("It stands first at line {}, column {}", first.line(), first.column()));
 }
 
 bool CommandReader::FailNoValue(const ParamDescriptor& param) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/parser/commandspec.h"
@@ -44,12 +45,17 @@ class CommandReader {
   bool ReadStringValue(const ParamDescriptor& param, ParamObj& read);
   bool ReadQualifier(const SubComDescriptor& grammar, const ParamDescriptor& param, ParamObj& read);
 
+  /// What may stand in the subcommand being read, besides the keywords with a value that it has already.
+  std::string ExpectedInside(const SubComDescriptor& grammar) const;
+  /// Where the keyword stands in the subcommand being read, when it takes a value and was written; null otherwise.
+  const TokenInfoObj* FirstWithValue(const ParamDescriptor& param) const;
+
   // Each notes an error at the next token and gives false.
   bool Fail(std::string problem, std::string expected, std::string suggestion = {}, std::string advice = {});
   bool FailNoKeyword(const SubComDescriptor& grammar);
   bool FailNoSubcommand();
   bool FailSubcommandTwice(const SubComDescriptor& grammar, const TokenInfoObj& first);
-  bool FailKeywordTwice(const SubComDescriptor& grammar, const ParamObj& first);
+  bool FailKeywordTwice(const SubComDescriptor& grammar, const ParamDescriptor& param, const TokenInfoObj& first);
   bool FailNoValue(const ParamDescriptor& param);
   bool FailUnknownValue(const ParamDescriptor& param, const std::vector<std::string>& allowed);
 
@@ -59,6 +65,8 @@ class CommandReader {
   std::size_t fNext = 0;  // the token to be read next
 
   std::vector<const TokenInfoObj*> fFirstNames;  // of each declared subcommand: where it was named first; null: not yet
+  std::vector<std::pair<const ParamDescriptor*, const TokenInfoObj*>>
+      fWrittenWithValue;  // in the subcommand being read
   std::vector<std::unique_ptr<SubComObj>> fSubcommands;
   std::vector<runtime::parser::SyntaxError> fErrors;
 };
