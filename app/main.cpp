@@ -30,7 +30,7 @@ bool localeIsUtf8 = true;
 
 /// To standard error, in one write, with nothing from the data raw.
 void Say(const std::string& text) {
-  const std::string line = "codebook: " + runtime::output::EscapeForTerminal(text, localeIsUtf8) + "\n";
+  const std::string line = "codebook: " + runtime::output::EscapeForTerminal(text, localeIsUtf8, runtime::output::LineEnds::Keep) + "\n";
   std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

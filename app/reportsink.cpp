@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <streambuf>
+#include <utility>
 
 #include "app/exitstatus.h"
 
