@@ -1,0 +1,49 @@
+// What turns a report into a file format.
+#pragma once
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "runtime/output/model/report.h"
+
+namespace runtime::output {
+
+/// What the place that the report goes to can show. Formats that are files pay no heed to it.
+struct RenderOptions {
+  int width = 80;      // columns; at least 20 are used
+  bool utf8 = true;    // else ASCII only
+  bool color = false;  // a terminal that understands colours
+};
+
+/// Writes a report in one format. Same report and options, same bytes. Renderers only read the report, and one renderer
+/// may be used for several reports.
+class Renderer {
+ public:
+  Renderer() = default;
+  virtual ~Renderer() = default;
+  Renderer(const Renderer&) = delete;
+  Renderer& operator=(const Renderer&) = delete;
+
+  /// Whether all was written is told by the stream's state.
+  virtual void Render(const Report& report, std::ostream& out) const = 0;
+};
+
+/// One format that reports can be written in.
+struct ReportFormat {
+  std::string_view name;    // as --format takes it
+  std::string_view ending;  // of file names, with its period
+  std::unique_ptr<Renderer> (*newRenderer)(const RenderOptions& options);
+};
+
+/// All formats, `text` first.
+const std::vector<ReportFormat>& ReportFormats();
+/// Null when there is no format of that name.
+const ReportFormat* FindReportFormat(std::string_view name);
+/// The format that a file name's ending (without regard to the case of ASCII letters) stands for; null when there is
+/// none.
+const ReportFormat* ReportFormatOfFile(std::string_view fileName);
+
+}  // namespace runtime::output
