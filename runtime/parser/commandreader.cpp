@@ -171,7 +171,6 @@ bool CommandReader::ReadSubcommand() {
 bool CommandReader::ReadBody(const SubComDescriptor& grammar) {
   auto subcommand = std::make_unique<SubComObj>();
   subcommand->fName = grammar.name();
-  fWrittenWithValue.clear();
   const std::size_t first = fNext;
   if (grammar.exportsTokens() && grammar.params().empty()) SkipToSubcommand();
   while (Peek() != nullptr && !IsSlash(*Peek())) {

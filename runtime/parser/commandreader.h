@@ -45,9 +45,9 @@ class CommandReader {
   bool ReadStringValue(const ParamDescriptor& param, ParamObj& read);
   bool ReadQualifier(const SubComDescriptor& grammar, const ParamDescriptor& param, ParamObj& read);
 
-  /// What may stand in the subcommand being read, besides the keywords with a value that it has already.
+  /// What may stand in the subcommand, besides the keywords with a value that it has already.
   std::string ExpectedInside(const SubComDescriptor& grammar) const;
-  /// Where the keyword stands in the subcommand being read, when it takes a value and was written; null otherwise.
+  /// Where the keyword stands first, when it takes a value and was written; null otherwise.
   const TokenInfoObj* FirstWithValue(const ParamDescriptor& param) const;
 
   // Each notes an error at the next token and gives false.
@@ -65,8 +65,7 @@ class CommandReader {
   std::size_t fNext = 0;  // the token to be read next
 
   std::vector<const TokenInfoObj*> fFirstNames;  // of each declared subcommand: where it was named first; null: not yet
-  std::vector<std::pair<const ParamDescriptor*, const TokenInfoObj*>>
-      fWrittenWithValue;  // in the subcommand being read
+  std::vector<std::pair<const ParamDescriptor*, const TokenInfoObj*>> fWrittenWithValue;  // so far, in all subcommands
   std::vector<std::unique_ptr<SubComObj>> fSubcommands;
   std::vector<runtime::parser::SyntaxError> fErrors;
 };

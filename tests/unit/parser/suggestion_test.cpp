@@ -35,6 +35,7 @@ TEST(NearestKeyword, findsNothingForWhatIsFarFromAll) {
   EXPECT_EQ(NearestKeyword("X", kKeywords), "");
   EXPECT_EQ(NearestKeyword("KURTOSIS", kKeywords), "");
   EXPECT_EQ(NearestKeyword("5", kKeywords), "");
+  EXPECT_EQ(NearestKeyword("X", {"N", "O", "S"}), "");
   EXPECT_EQ(NearestKeyword("LABEL", {}), "");
 }
 
