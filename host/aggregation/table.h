@@ -15,7 +15,7 @@ class TableEngine;
 }
 
 /// The results of one table. Owned by the caller of GetCubeAggregators; it shares what it needs with the table, whose
-/// categories it refers to, so it must not be asked after the table is gone.
+/// categories it refers to, so it must not be asked after the table is gone. It may be destroyed after the table.
 class HOST_API CubeAggregator {
  public:
   explicit CubeAggregator(runtime::aggregation::TableEngine& engine);
@@ -23,12 +23,13 @@ class HOST_API CubeAggregator {
   CubeAggregator(const CubeAggregator&) = delete;
   CubeAggregator& operator=(const CubeAggregator&) = delete;
 
-  /// The values of the cell named by one category of each dimension (no category: the cell of the whole table). Owned by
-  /// the aggregator, valid while it lives; null when the cell has no values. The second argument is -1.
+  /// The values of the cell named by one category of each dimension (no category: the cell of the whole table). Owned
+  /// by the aggregator, valid while it lives; null when the cell has no values. The second argument is -1.
   StatValues* GetStatValues(const std::vector<const AggregationCategory*>& categories, int) const;
 
  private:
   runtime::aggregation::TableEngine& fEngine;
+  mutable std::vector<std::unique_ptr<StatValues>> fCells;  // made when they are asked for first
 };
 
 /// The one cube of a table: its dimension or its scale statistics. Owned by the table.
@@ -47,8 +48,7 @@ class HOST_API AggregationCube {
   void AddScaleStatistics(const std::vector<AggregationStatistic>& statistics);
   /// Per category the first list, in the total category the second.
   void AddCategoryAndTotalStatistics(const std::vector<AggregationStatistic>& perCategory,
-                                     AggregationVariable* dimension,
-                                     const std::vector<AggregationStatistic>& inTotal);
+                                     AggregationVariable* dimension, const std::vector<AggregationStatistic>& inTotal);
 
  private:
   runtime::aggregation::TableEngine& fEngine;
@@ -69,6 +69,13 @@ class HOST_API TableMetadata {
 struct PendingRows {
   std::int64_t begin = -1;
   std::int64_t end = -1;
+};
+
+/// What is known of the number of values of a table's dimension: it is `count` for every end of the pending rows up to
+/// `nextNewRow`; beyond that the engine must be asked.
+struct ValueWatch {
+  std::int64_t nextNewRow = -1;
+  int count = 0;
 };
 
 /// One table over the cases of an iterator.
@@ -105,6 +112,7 @@ class HOST_API AggregationTable {
 
   const CaseCursor* fCursor;
   PendingRows fPending;
+  ValueWatch fWatch;
   TableMetadata fMetadata;
   std::unique_ptr<runtime::aggregation::TableEngine> fEngine;
 };

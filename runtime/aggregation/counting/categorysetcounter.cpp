@@ -1,0 +1,173 @@
+#include "runtime/aggregation/counting/categorysetcounter.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "runtime/aggregation/counting/celltexts.h"
+
+namespace runtime::aggregation {
+
+namespace {
+
+// Slots: the cases in which no member holds a category (as a member's slot: no category), all cases, the categories.
+constexpr std::uint32_t kNoResponseSlot = 0;
+constexpr std::uint32_t kAllCasesSlot = 1;
+constexpr std::uint32_t kFirstCategorySlot = 2;
+
+constexpr std::size_t kBlockCells = 16 * kBlockRows;
+constexpr std::size_t kNoMember = std::numeric_limits<std::size_t>::max();
+
+}  // namespace
+
+CategorySetCounter::CategorySetCounter(const std::vector<int>& members, const MAVO_DataSource& source) {
+  ResizeSlots(kFirstCategorySlot);
+  MarkNoValue(kNoResponseSlot);
+  MarkNoValue(kAllCasesSlot);
+  fCountedFor.resize(kFirstCategorySlot);
+  fMembers.reserve(members.size());
+  for (const int index : members) {
+    const MAVO_Variable& variable = source.GetVariable(index);
+    fMembers.push_back({index, variable, ValueSlots(variable.GetType() > 0), {}});
+    AddLabelledValues(fMembers.size() - 1);
+  }
+}
+
+std::uint32_t CategorySetCounter::NewCategory(Category category) {
+  fCategories.push_back(std::move(category));
+  const std::size_t slots = kFirstCategorySlot + fCategories.size();
+  ResizeSlots(slots);
+  fCountedFor.resize(slots);
+  return static_cast<std::uint32_t>(slots - 1);
+}
+
+CategorySetCounter::Category& CategorySetCounter::CategoryAt(std::uint32_t slot) {
+  return fCategories[slot - kFirstCategorySlot];
+}
+
+std::uint32_t CategorySetCounter::CategoryOfNumber(double number) {
+  const auto found = fCategoryOfNumber.find(number);
+  if (found != fCategoryOfNumber.end()) return found->second;
+  return fCategoryOfNumber[number] = NewCategory({false, number, {}, false, kNoMember});
+}
+
+std::uint32_t CategorySetCounter::CategoryOfText(const std::string& text) {
+  const auto found = fCategoryOfText.find(text);
+  if (found != fCategoryOfText.end()) return found->second;
+  return fCategoryOfText[text] = NewCategory({true, 0.0, text, false, kNoMember});
+}
+
+void CategorySetCounter::AddLabelledValues(std::size_t member) {
+  const MAVO_Variable& variable = fMembers[member].variable;
+  const MissingRule& rule = variable.GetMissingRule();
+  const MAVO_ValueLabelMap labels(variable.GetValueLabels());
+  const OBS* value = nullptr;
+  const char* label = nullptr;
+  while (labels.GetNextPair(value, label) != 0) {
+    std::uint32_t slot = kNoResponseSlot;
+    if (fMembers[member].slots.isString()) {
+      const std::string text(TextOf(value, variable.GetType()));
+      if (!IsMissingText(rule, text)) slot = CategoryOfText(text);
+    } else if (!std::isnan(value->number) && !rule.holds(value->number)) {
+      slot = CategoryOfNumber(value->number);
+    }
+    if (slot == kNoResponseSlot) continue;
+    CategoryAt(slot).isLabelled = true;
+    CategoryAt(slot).firstMember = std::min(CategoryAt(slot).firstMember, member);
+  }
+}
+
+std::size_t CategorySetCounter::BlockRows() const {
+  const std::size_t members = std::max<std::size_t>(1, fMembers.size());
+  return std::clamp<std::size_t>(kBlockCells / members, 16, kBlockRows);
+}
+
+std::vector<ColumnView> CategorySetCounter::Columns(const Chunk& chunk) const {
+  std::vector<ColumnView> columns;
+  columns.reserve(fMembers.size());
+  for (const Member& member : fMembers) columns.push_back(chunk.Column(member.index));
+  return columns;
+}
+
+void CategorySetCounter::AssignSlots(const std::vector<ColumnView>& columns, std::size_t first, std::size_t count) {
+  fBlock.resize(fMembers.size() * count);
+  std::uint32_t* slots = fBlock.data();
+  for (std::size_t m = 0; m < fMembers.size(); ++m, slots += count) {
+    Member& member = fMembers[m];
+    member.slots.Assign(columns[m], first, count, slots);
+    const MissingRule& rule = member.variable.GetMissingRule();
+    for (std::size_t own = member.category.size(); own < member.slots.size(); ++own) {
+      std::uint32_t slot = kNoResponseSlot;
+      if (own >= kFirstValueSlot && !member.slots.IsUserMissing(own, rule))
+        slot = member.slots.isString() ? CategoryOfText(std::string(member.slots.texts().text(own)))
+                                       : CategoryOfNumber(member.slots.numbers().value(own));
+      member.category.push_back(slot);
+    }
+    for (std::size_t i = 0; i < count; ++i) slots[i] = member.category[slots[i]];
+  }
+}
+
+void CategorySetCounter::CountRows(const Chunk& chunk, std::size_t first, std::size_t count) {
+  const std::vector<ColumnView> columns = Columns(chunk);
+  ForEachBlock(first, count, BlockRows(), [&](std::size_t row, std::size_t rows) {
+    AssignSlots(columns, row, rows);
+    for (std::size_t i = 0; i < rows; ++i) {
+      if (!chunk.weights.IsPositive(row + i)) continue;
+      ++fVisit;
+      bool responded = false;
+      for (std::size_t member = 0; member < fMembers.size(); ++member) {
+        const std::uint32_t slot = fBlock[member * rows + i];
+        if (slot == kNoResponseSlot) continue;
+        responded = true;
+        if (fCountedFor[slot] == fVisit) continue;
+        fCountedFor[slot] = fVisit;
+        CategoryAt(slot).firstMember = std::min(CategoryAt(slot).firstMember, member);
+        fSums.AddRow(slot, chunk.weights, row + i);
+      }
+      if (!responded) fSums.AddRow(kNoResponseSlot, chunk.weights, row + i);
+      fSums.AddRow(kAllCasesSlot, chunk.weights, row + i);
+    }
+  });
+}
+
+void CategorySetCounter::FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
+                                       std::vector<FirstAppearance>& found) {
+  const std::vector<ColumnView> columns = Columns(chunk);
+  ForEachBlock(first, count, BlockRows(), [&](std::size_t row, std::size_t rows) {
+    AssignSlots(columns, row, rows);
+    for (std::size_t i = 0; i < rows; ++i)
+      for (std::size_t member = 0; member < fMembers.size(); ++member)
+        FindInBlock(&fBlock[member * rows + i], 1, chunk.weights, row + i, found);
+  });
+}
+
+DimensionCounts CategorySetCounter::Finish() {
+  struct Placed {
+    const Category* category;
+    std::uint32_t slot;
+  };
+  std::vector<Placed> placed;
+  for (std::size_t i = 0; i < fCategories.size(); ++i) {
+    const auto slot = static_cast<std::uint32_t>(kFirstCategorySlot + i);
+    if (fCategories[i].isLabelled || !fSums.IsZero(slot)) placed.push_back({&fCategories[i], slot});
+  }
+  std::sort(placed.begin(), placed.end(), [](const Placed& a, const Placed& b) {
+    if (a.category->isText != b.category->isText) return b.category->isText;
+    return a.category->isText ? a.category->text < b.category->text : a.category->number < b.category->number;
+  });
+
+  DimensionCounts counts;
+  for (const Placed& place : placed) {
+    const Category& category = *place.category;
+    counts.categories.push_back({category.number, fMembers[category.firstMember].index,
+                                 category.isText ? category.text : ShortestText(category.number),
+                                 fSums.Total(place.slot), true});
+  }
+  counts.missing = fSums.Total(kNoResponseSlot);
+  counts.total = fSums.Total(kAllCasesSlot);
+  return counts;
+}
+
+}  // namespace runtime::aggregation

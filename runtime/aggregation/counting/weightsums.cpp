@@ -1,0 +1,70 @@
+#include "runtime/aggregation/counting/weightsums.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace runtime::aggregation {
+
+void WeightSums::Resize(std::size_t slots) {
+  fSlots = slots;
+  fUnits.resize(slots);
+  if (!fScaled.empty()) fScaled.resize(slots);
+  if (!fWide.empty()) fWide.resize(slots);
+}
+
+void WeightSums::PrepareFor(const ChunkWeights& weights) {
+  if (weights.form == ChunkWeights::Form::Wide) {
+    if (fWide.size() < fSlots) fWide.resize(fSlots);
+    return;
+  }
+  if (fScaled.size() < fSlots) fScaled.resize(fSlots);
+  if (weights.shift == fShift) return;
+  for (UInt128& sum : fScaled) sum <<= weights.shift - fShift;
+  fShift = weights.shift;
+}
+
+void WeightSums::Add(const std::uint32_t* slots, std::size_t count, const ChunkWeights& weights, std::size_t row) {
+  if (weights.form == ChunkWeights::Form::Units) {
+    for (std::size_t i = 0; i < count; ++i) ++fUnits[slots[i]];
+    return;
+  }
+  PrepareFor(weights);
+  switch (weights.form) {
+    case ChunkWeights::Form::Units:
+      break;
+    case ChunkWeights::Form::Narrow:
+      for (std::size_t i = 0; i < count; ++i) fScaled[slots[i]] += weights.narrow[row + i];
+      break;
+    case ChunkWeights::Form::Broad:
+      for (std::size_t i = 0; i < count; ++i) fScaled[slots[i]] += weights.broad[row + i];
+      break;
+    case ChunkWeights::Form::Wide:
+      for (std::size_t i = 0; i < count; ++i) fWide[slots[i]].Add(weights.exact[row + i]);
+      break;
+  }
+}
+
+bool WeightSums::IsZero(std::size_t slot) const {
+  if (fUnits[slot] != 0) return false;
+  if (!fScaled.empty() && fScaled[slot] != 0) return false;
+  if (fWide.empty()) return true;
+  const auto& limbs = fWide[slot].limbs();
+  return std::all_of(limbs.begin(), limbs.end(), [](std::uint64_t limb) { return limb == 0; });
+}
+
+WeightTotal WeightSums::Total(std::size_t slot) const {
+  WeightTotal total;
+  total.units = fUnits[slot];
+  if (!fScaled.empty()) {
+    total.scaled = fScaled[slot];
+    total.shift = fShift;
+  }
+  if (!fWide.empty()) {
+    auto wide = std::make_shared<const Dyadic>(fWide[slot]);
+    if (wide->sign() != 0) total.wide = std::move(wide);
+  }
+  return total;
+}
+
+}  // namespace runtime::aggregation

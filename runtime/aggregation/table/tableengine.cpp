@@ -1,0 +1,262 @@
+#include "runtime/aggregation/table/tableengine.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+namespace runtime::aggregation {
+
+using namespace TableEncryptionCodes;
+
+namespace {
+
+/// Stands in for the cursor once the counting has ended.
+class NoCases : public CaseCursor {
+ public:
+  ColumnView Column(int) const override { return {}; }
+  const double* Weights() const override { return nullptr; }
+
+ protected:
+  bool LoadNextChunk() override { return false; }
+};
+
+const CaseCursor& NoCursor() {
+  static const NoCases cursor;
+  return cursor;
+}
+
+/// A table's dimension of the kind that Base names.
+template <class Base>
+class CountedDimension final : public Base {
+ public:
+  CountedDimension(TableEngine& engine, const PendingRows& pending, const ValueWatch& watch)
+      : fPending(pending), fWatch(watch), fEngine(engine) {}
+
+  int GetNumberOfValues() const override {
+    if (fPending.end <= fWatch.nextNewRow) return fWatch.count;
+    return fEngine.NumberOfValues();
+  }
+
+  std::vector<AggregationCategory*> GetCategoryPointers() override {
+    std::vector<AggregationCategory*> pointers;
+    pointers.reserve(fEngine.categories().size());
+    for (AggregationCategory& category : fEngine.categories()) pointers.push_back(&category);
+    return pointers;
+  }
+
+ private:
+  const PendingRows& fPending;
+  const ValueWatch& fWatch;
+  TableEngine& fEngine;
+};
+
+}  // namespace
+
+TableEngine::TableEngine(AggregationTable& table, MAVO_InputCaseIterator& iterator)
+    : fTable(table), fWork(CursorWork::Of(iterator.Cursor())), fSource(iterator.Source()) {
+  fWork->Add(*this);
+}
+
+TableEngine::~TableEngine() {
+  if (fWork != nullptr) fWork->Remove(*this);
+}
+
+AggregationCube& TableEngine::Cube() {
+  if (fCube == nullptr) fCube = std::make_unique<AggregationCube>(*this);
+  return *fCube;
+}
+
+void TableEngine::SetDimension(std::unique_ptr<AggregationVariable> dimension) {
+  if (fDimension != nullptr)
+    throw std::logic_error("aggregation cube: a second dimension, " + dimension->name() + ", behind " +
+                           fDimension->name());
+  fDimension = std::move(dimension);
+}
+
+void TableEngine::CreateTableDimension() {
+  if (fDimension == nullptr || fTableDimension != nullptr) return;
+  fCounter = MakeDimensionCounter(*fDimension, fSource);
+  switch (fDimension->kind()) {
+    case AggregationVariable::Kind::Variable:
+      fTableDimension = std::make_unique<CountedDimension<TableDimension>>(*this, fTable.fPending, fTable.fWatch);
+      break;
+    case AggregationVariable::Kind::CategorySet:
+      fTableDimension = std::make_unique<CountedDimension<TableMCSet>>(*this, fTable.fPending, fTable.fWatch);
+      break;
+    case AggregationVariable::Kind::DichotomySet:
+      fTableDimension = std::make_unique<CountedDimension<TableMDSet>>(*this, fTable.fPending, fTable.fWatch);
+      break;
+  }
+  fDimension->setTableDimension(fTableDimension.get());
+  fTable.fMetadata.fDimension = fTableDimension.get();
+}
+
+void TableEngine::AddScaleStatistics(const std::vector<AggregationStatistic>& statistics) {
+  fScaleStatistics.insert(fScaleStatistics.end(), statistics.begin(), statistics.end());
+  if (!fScaleStatistics.empty()) fScaleCounter = std::make_unique<ScaleCounter>(fScaleStatistics, fSource);
+}
+
+void TableEngine::SetCellStatistics(std::vector<AggregationStatistic> perCategory,
+                                    std::vector<AggregationStatistic> inTotal) {
+  fPerCategory = std::move(perCategory);
+  fInTotal = std::move(inTotal);
+}
+
+TableEngine::RowRange TableEngine::PendingInChunk() const {
+  const CaseCursor& cursor = fWork->cursor();
+  const std::int64_t first = std::max(fTable.fPending.begin, cursor.chunkBegin);
+  const std::int64_t end = std::min(fTable.fPending.end, cursor.chunkEnd);
+  if (end <= first) return {0, 0};
+  return {static_cast<std::size_t>(first - cursor.chunkBegin), static_cast<std::size_t>(end - first)};
+}
+
+void TableEngine::SearchUpTo(const Chunk& chunk, std::size_t row) {
+  const auto rows = static_cast<std::size_t>(chunk.cursor->chunkEnd - chunk.cursor->chunkBegin);
+  if (fSearchedUpTo >= row) return;
+  const std::size_t end = std::min(rows, std::max(row, fSearchedUpTo + fSearchStep));
+  fSearchStep = std::min(2 * fSearchStep, kLargestSearchStep);
+  fCounter->FindNewValues(chunk, fSearchedUpTo, end - fSearchedUpTo, fFound);
+  fSearchedUpTo = end;
+}
+
+void TableEngine::KeepFoundBefore(std::size_t row) {
+  for (; fKept < fFound.size() && fFound[fKept].row < row; ++fKept) ++fTable.fWatch.count;
+}
+
+void TableEngine::ForgetFound() {
+  for (std::size_t i = fKept; i < fFound.size(); ++i) fCounter->Unmark(fFound[i].slot);
+  fFound.clear();
+  fKept = 0;
+}
+
+int TableEngine::NumberOfValues() {
+  if (fWork == nullptr) return fTable.fWatch.count;
+  const RowRange pending = PendingInChunk();
+  if (!fSearches) {
+    fSearches = true;
+    fTable.fWatch.count = fCounter->MarkCountedValues();
+    fSearchedUpTo = pending.first;
+  }
+  if (pending.count == 0) return fTable.fWatch.count;
+  const std::size_t end = pending.first + pending.count;
+  SearchUpTo(fWork->PresentChunk(), end);
+  KeepFoundBefore(end);
+  const std::size_t knownUpTo = fKept < fFound.size() ? fFound[fKept].row : fSearchedUpTo;
+  fTable.fWatch.nextNewRow = fWork->cursor().chunkBegin + static_cast<std::int64_t>(knownUpTo);
+  return fTable.fWatch.count;
+}
+
+void TableEngine::Flush() {
+  const RowRange pending = PendingInChunk();
+  if (pending.count > 0) {
+    const Chunk& chunk = fWork->PresentChunk();
+    if (fSearches) {
+      const std::size_t end = pending.first + pending.count;
+      SearchUpTo(chunk, end);
+      KeepFoundBefore(end);
+      ForgetFound();
+    }
+    if (fCounter != nullptr) fCounter->CountRows(chunk, pending.first, pending.count);
+    if (fScaleCounter != nullptr) fScaleCounter->CountRows(chunk, pending.first, pending.count);
+  }
+  fTable.fPending.begin = fTable.fPending.end;
+  fTable.fWatch.nextNewRow = fSearches ? fTable.fPending.end : -1;
+}
+
+void TableEngine::LeaveChunk() {
+  Flush();
+  fSearchedUpTo = 0;
+}
+
+void TableEngine::BeginRun() {
+  if (fWork == nullptr) return;
+  Flush();
+  const CaseCursor& cursor = fWork->cursor();
+  fTable.fPending = {cursor.row, cursor.row + 1};
+  fTable.fWatch.nextNewRow = -1;
+  fSearchedUpTo = static_cast<std::size_t>(std::max<std::int64_t>(0, cursor.row - cursor.chunkBegin));
+  fSearchStep = kFirstSearchStep;
+}
+
+void TableEngine::CursorGone() {
+  fTable.fPending.begin = fTable.fPending.end;
+  fWork.reset();
+  Finish();
+}
+
+void TableEngine::Detach() {
+  if (fWork != nullptr) fWork->Remove(*this);
+  fWork.reset();
+  fTable.fCursor = &NoCursor();
+  // No row follows these, and none is beyond what the watch knows.
+  fTable.fPending = {-2, -2};
+  fTable.fWatch.nextNewRow = std::numeric_limits<std::int64_t>::max();
+}
+
+void TableEngine::Finish() {
+  if (fTable.fCursor == &NoCursor()) return;
+  if (fWork != nullptr) Flush();
+  if (fCounter != nullptr) {
+    if (!fSearches) fTable.fWatch.count = fCounter->MarkCountedValues();
+    fCounts = fCounter->Finish();
+    fCounter.reset();
+    MakeCategories();
+  }
+  if (fScaleCounter != nullptr) {
+    fScaleResults = fScaleCounter->Finish();
+    fScaleCounter.reset();
+  }
+  Detach();
+}
+
+void TableEngine::MakeCategories() {
+  fCategories.reserve(fCounts.categories.size() + 1);
+  for (CountedCategory& category : fCounts.categories)
+    fCategories.emplace_back(category.value, category.code, std::move(category.text), false);
+  if (!fDimension->hasTotal()) return;
+  const bool isSet = fDimension->kind() != AggregationVariable::Kind::Variable;
+  fCategories.emplace_back(0.0, isSet ? -1 : static_cast<int>(fCategories.size()), std::string(), true);
+}
+
+std::vector<double> TableEngine::CellValues(const std::vector<AggregationStatistic>& statistics,
+                                            const WeightTotal& weight) const {
+  std::vector<double> values;
+  values.reserve(statistics.size());
+  for (const AggregationStatistic& statistic : statistics) {
+    switch (statistic.GetSummaryStatistic()) {
+      case kCount:
+        values.push_back(NearestDouble(weight));
+        break;
+      case kPercent:
+        values.push_back(Percent(weight, fCounts.total));
+        break;
+      case kMissing:
+        values.push_back(NearestDouble(fCounts.missing));
+        break;
+      case kTotal:
+        values.push_back(NearestDouble(fCounts.total));
+        break;
+      case kMean:
+      case kStdDev:
+      case kValid:
+      case kPercentile:
+        values.push_back(std::numeric_limits<double>::quiet_NaN());
+        break;
+    }
+  }
+  return values;
+}
+
+std::unique_ptr<StatValues> TableEngine::MakeCell(std::size_t category) const {
+  const bool isCategory = category < fCounts.categories.size();
+  if (category == fCategories.size() && !fScaleStatistics.empty())
+    return std::make_unique<StatValues>(fScaleResults, fScaleStatistics);
+  const std::vector<AggregationStatistic>& statistics = isCategory ? fPerCategory : fInTotal;
+  if (fDimension == nullptr || statistics.empty()) return nullptr;
+  if (isCategory && !fCounts.categories[category].hasCell) return nullptr;
+  const WeightTotal& weight = isCategory ? fCounts.categories[category].weight : fCounts.total;
+  return std::make_unique<StatValues>(CellValues(statistics, weight), statistics);
+}
+
+}  // namespace runtime::aggregation
