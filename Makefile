@@ -60,8 +60,9 @@ tidy:  ## clang-tidy over what differs from origin/main (FILES="a.cpp b.cpp", or
 	@cmake --preset dev --log-level=WARNING >/dev/null
 	@scripts/tidy $(if $(ALL),--all,$(FILES))
 
-bench: build  ## time the program on a synthetic survey (SHAPE=W, L or X)
-	@scripts/setup bench test
+bench:  ## time the program on a synthetic survey (SHAPE=W, L or X)
+	@scripts/setup build bench
+	@$(call build,release,-DCODEBOOK_TESTS=OFF -DCODEBOOK_BENCH=ON)
 	@scripts/bench $(or $(SHAPE),W)
 
 clean:  ## remove everything that was built
