@@ -48,6 +48,7 @@ CategorySetCounter::Category& CategorySetCounter::CategoryAt(std::uint32_t slot)
 }
 
 std::uint32_t CategorySetCounter::CategoryOfNumber(double number) {
+  number += 0.0;  // -0.0 is the same value as 0.0
   const auto found = fCategoryOfNumber.find(number);
   if (found != fCategoryOfNumber.end()) return found->second;
   return fCategoryOfNumber[number] = NewCategory({false, number, {}, false, kNoMember});
