@@ -179,8 +179,7 @@ void TextTable::DrawWithWidths(std::string& page, const std::vector<int>& widths
       placed.rowSpan = cell.rowSpan;
       placed.indent = std::clamp(cell.indent, 0, std::max(0, placed.width - 2));
       if (cell.isNumber && placed.width - placed.indent >= measured.blockWidth) {
-        placed.indent += measured.shift;
-        if (placed.right) placed.indent += placed.width - measured.blockWidth;
+        placed.indent = measured.shift + (placed.right ? placed.width - measured.blockWidth : placed.indent);
         placed.right = false;
       }
       placed.lines = WrapText(cell.text, placed.width - placed.indent);
