@@ -136,11 +136,9 @@ Dictionary AssembleDictionary(const TableDescriptor* descriptor, const std::vect
                               const std::optional<std::string>& dataPath, std::vector<Note>& notes) {
   std::vector<std::string> originals;
   std::vector<std::string> fieldNames;
-  std::vector<const FieldDescriptor*> fields;
   for (const DescribedColumn& column : columns) {
     originals.push_back(column.field ? column.field->name : column.facts->header);
     fieldNames.push_back(column.field ? column.field->name : std::string());
-    fields.push_back(column.field);
   }
   const std::vector<std::string> names = MakeVariableNames(originals);
   Dictionary dictionary;
@@ -155,7 +153,7 @@ Dictionary AssembleDictionary(const TableDescriptor* descriptor, const std::vect
   if (descriptor->weight)
     dictionary.weight =
         WeightIndexOf(dictionary, variables.Find(*descriptor->weight), *descriptor->weight, descriptor->origin + ": ");
-  dictionary.sets = AssembleSets(*descriptor, dictionary, variables, fields, notes);
+  dictionary.sets = AssembleSets(*descriptor, dictionary, variables, columns, notes);
   return dictionary;
 }
 

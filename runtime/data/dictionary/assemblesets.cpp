@@ -9,6 +9,7 @@
 
 #include "runtime/data/dictionary/fieldvalue.h"
 #include "runtime/data/dictionary/variablenames.h"
+#include "runtime/data/typing/numbertext.h"
 
 namespace runtime::data {
 namespace {
@@ -17,7 +18,7 @@ struct SetContext {
   const TableDescriptor& descriptor;
   const SetDescriptor& set;
   const Dictionary& dictionary;
-  const std::vector<const FieldDescriptor*>& fields;
+  const std::vector<DescribedColumn>& columns;
 
   [[noreturn]] void Fail(const std::string& problem) const {
     throw DataError(fmt::format("{}: multiple response set \"{}\": {}", descriptor.origin, set.name, problem));
@@ -43,11 +44,11 @@ std::vector<int> FindMembers(const SetContext& context, const VariablesByField& 
 
 /// The counted value of numeric members as the number's text: a truth value of booleans becomes 0 or 1.
 std::string CountedNumber(const SetContext& context, int firstMember) {
-  const LabelledValue counted{context.set.countedValue, false, std::nullopt};
-  static const FieldDialect kPlain;
-  if (FieldValueOf(counted, kPlain)) return context.set.countedValue;
-  const FieldDescriptor* field = context.fields[static_cast<std::size_t>(firstMember)];
-  const std::optional<double> value = field ? FieldValueOf(counted, field->dialect) : std::nullopt;
+  const DescribedColumn& column = context.columns[static_cast<std::size_t>(firstMember)];
+  const std::string& counted = context.set.countedValue;
+  NumberReading plain;
+  if (ReadNumberText(Trimmed(counted), plain)) return counted;
+  const std::optional<double> value = FieldValues(column.field, column.facts->type).Of({counted, false, std::nullopt});
   if (!value)
     context.Fail(
         fmt::format("the counted value \"{}\" is no number, and the members are numeric", context.set.countedValue));
@@ -91,12 +92,12 @@ int VariablesByField::Find(const std::string& name) const {
 }
 
 std::vector<VariableSet> AssembleSets(const TableDescriptor& descriptor, const Dictionary& dictionary,
-                                      const VariablesByField& variables,
-                                      const std::vector<const FieldDescriptor*>& fields, std::vector<Note>& notes) {
+                                      const VariablesByField& variables, const std::vector<DescribedColumn>& columns,
+                                      std::vector<Note>& notes) {
   std::vector<VariableSet> sets;
   NamesInUse used;
   for (const SetDescriptor& described : descriptor.sets) {
-    const SetContext context{descriptor, described, dictionary, fields};
+    const SetContext context{descriptor, described, dictionary, columns};
     const std::vector<int> members = FindMembers(context, variables);
     std::vector<std::string> names;
     for (const int member : members) names.push_back(context.Variable(member).name);

@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "runtime/data/dictionary/assemble.h"
 #include "runtime/data/dictionary/descriptor.h"
 #include "runtime/data/open.h"
 #include "runtime/data/records.h"
@@ -24,10 +25,10 @@ class VariablesByField {
   std::unordered_map<std::string, int> fIndexOfField;
 };
 
-/// `types` are those of the variables' columns. Throws DataError for unknown members, members of both kinds, and a
+/// `columns` are those of the variables. Throws DataError for unknown members, members of both kinds, and a
 /// counted value that numeric members cannot have.
 std::vector<VariableSet> AssembleSets(const TableDescriptor& descriptor, const Dictionary& dictionary,
-                                      const VariablesByField& variables,
-                                      const std::vector<const FieldDescriptor*>& fields, std::vector<Note>& notes);
+                                      const VariablesByField& variables, const std::vector<DescribedColumn>& columns,
+                                      std::vector<Note>& notes);
 
 }  // namespace runtime::data

@@ -1,37 +1,52 @@
 #include "runtime/data/dictionary/fieldvalue.h"
 
-#include <algorithm>
-#include <charconv>
 #include <cmath>
-#include <string>
 #include <string_view>
+#include <utility>
+
+#include "runtime/data/typing/numbertext.h"
 
 namespace runtime::data {
 namespace {
 
-std::optional<double> PlainNumber(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return std::nullopt;
-  text = text.substr(first, text.find_last_not_of(' ') - first + 1);
-  if (text.front() == '+' && text.size() > 1 && text[1] != '-') text.remove_prefix(1);
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(number)) return std::nullopt;
-  return number;
+FieldDialect DialectOf(const FieldDescriptor* field, FieldType type) {
+  FieldDialect dialect = field ? field->dialect : FieldDialect();
+  dialect.type = type;
+  return dialect;
 }
 
-bool Holds(const std::vector<std::string>& texts, const std::string& text) {
-  return std::find(texts.begin(), texts.end(), text) != texts.end();
+std::optional<double> Finite(double value) {
+  if (!std::isfinite(value)) return std::nullopt;
+  return value == 0 ? 0.0 : value;  // no negative zero
+}
+
+std::optional<double> PlainNumber(std::string_view text) {
+  NumberReading reading;
+  if (!ReadNumberText(text, reading)) return std::nullopt;
+  return Finite(reading.value);
+}
+
+bool HoldsPlainNumbers(FieldType type) {
+  return type == FieldType::Integer || type == FieldType::Number || type == FieldType::Year;
+}
+
+std::optional<double> ReadWith(const ValueReader& reader, std::string_view text) {
+  NumberReading reading;
+  if (reader.problem().empty() && reader.Read(text, reading)) return Finite(reading.value);
+  return PlainNumber(text);
 }
 
 }  // namespace
 
-std::optional<double> FieldValueOf(const LabelledValue& entry, const FieldDialect& dialect) {
-  if (!entry.isNumber && dialect.type == FieldType::Boolean) {
-    if (Holds(dialect.trueValues, entry.value)) return 1;
-    if (Holds(dialect.falseValues, entry.value)) return 0;
-  }
-  return PlainNumber(entry.value);
+FieldValues::FieldValues(const FieldDescriptor* field, FieldType type) : fReader(DialectOf(field, type)) {}
+
+std::optional<double> FieldValues::Of(const LabelledValue& entry) const {
+  return entry.isNumber ? PlainNumber(entry.value) : ReadWith(fReader, entry.value);
+}
+
+std::optional<double> MissingCodeOf(const LabelledValue& entry, const FieldDialect& dialect) {
+  if (entry.isNumber || !HoldsPlainNumbers(dialect.type)) return PlainNumber(entry.value);
+  return ReadWith(ValueReader(dialect), entry.value);
 }
 
 }  // namespace runtime::data

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include "runtime/data/dictionary/fieldvalue.h"
+#include "runtime/data/typing/quotedcell.h"
 
 namespace runtime::data {
 namespace {
@@ -22,25 +23,16 @@ std::string_view WithoutTrailingBlanks(std::string_view text) {
 /// Labels by value; a value keeps its first label.
 class LabelCollector {
  public:
-  LabelCollector(const FieldDialect& dialect, int width) : fDialect(dialect), fWidth(width) {}
-
-  /// False when the entry has a label and a value that the variable cannot have.
-  bool Add(const LabelledValue& entry) {
-    if (!entry.label) return true;
-    if (fWidth > 0) {
-      std::string text(WithoutTrailingBlanks(entry.value));
-      if (text.size() > static_cast<std::size_t>(fWidth)) return false;
-      text.resize(static_cast<std::size_t>(fWidth), ' ');
-      fOfTexts.emplace(std::move(text), *entry.label);
-      return true;
-    }
-    const std::optional<double> number = FieldValueOf(entry, fDialect);
-    if (!number) return false;
-    AddNumber(*number, *entry.label);
-    return true;
-  }
+  explicit LabelCollector(int width) : fWidth(width) {}
 
   void AddNumber(double number, const std::string& label) { fOfNumbers.emplace(number, label); }
+
+  /// REQUIRES: at most `width` bytes without trailing blanks.
+  void AddText(std::string_view value, const std::string& label) {
+    std::string text(WithoutTrailingBlanks(value));
+    text.resize(static_cast<std::size_t>(fWidth), ' ');
+    fOfTexts.emplace(std::move(text), label);
+  }
 
   std::shared_ptr<const ValueLabelList> Finish() const {
     if (fOfNumbers.empty() && fOfTexts.empty()) return nullptr;
@@ -61,11 +53,37 @@ class LabelCollector {
   }
 
  private:
-  const FieldDialect& fDialect;
   int fWidth;
   std::map<double, std::string> fOfNumbers;
   std::map<std::string, std::string> fOfTexts;  // padded, so that their order is that of the values
 };
+
+void AddTexts(const FieldDescriptor& field, LabelCollector& labels) {
+  for (const auto* entries : {&field.categories, &field.valueLabels, &field.missingValues})
+    for (const LabelledValue& entry : *entries)
+      if (entry.label) labels.AddText(entry.value, *entry.label);
+}
+
+void AddNumbers(const FieldDescriptor& field, FieldType type, const std::string& origin, LabelCollector& labels,
+                std::vector<Note>& notes) {
+  const FieldValues values(&field, type);
+  for (const auto* entries : {&field.categories, &field.valueLabels}) {
+    for (const LabelledValue& entry : *entries) {
+      if (!entry.label) continue;
+      if (const std::optional<double> number = values.Of(entry))
+        labels.AddNumber(*number, *entry.label);
+      else
+        notes.push_back(
+            {false, fmt::format("{}: field {}: the label {} is not used, for its value {} is no value of a "
+                                "numeric variable",
+                                origin, QuotedCell(field.name), QuotedCell(*entry.label), QuotedCell(entry.value))});
+    }
+  }
+  for (const LabelledValue& entry : field.missingValues) {
+    const std::optional<double> code = entry.label ? MissingCodeOf(entry, field.dialect) : std::nullopt;
+    if (code) labels.AddNumber(*code, *entry.label);
+  }
+}
 
 }  // namespace
 
@@ -79,19 +97,10 @@ std::size_t LongestLabelledText(const FieldDescriptor& field) {
 
 std::shared_ptr<const ValueLabelList> MakeValueLabels(const FieldDescriptor* field, FieldType type, int width,
                                                       const std::string& origin, std::vector<Note>& notes) {
-  static const FieldDialect kPlain;
-  LabelCollector labels(field ? field->dialect : kPlain, width);
-  if (field) {
-    for (const auto* entries : {&field->categories, &field->valueLabels})
-      for (const LabelledValue& entry : *entries)
-        if (!labels.Add(entry))
-          notes.push_back(
-              {false, fmt::format("{}: field \"{}\": the label \"{}\" is not used, for its value \"{}\" is no "
-                                  "value of a numeric variable",
-                                  origin, field->name, *entry.label, entry.value)});
-    for (const LabelledValue& entry : field->missingValues) labels.Add(entry);
-  }
-  if (type == FieldType::Boolean && width == 0) {
+  LabelCollector labels(width);
+  if (field && width > 0) AddTexts(*field, labels);
+  if (field && width == 0) AddNumbers(*field, type, origin, labels, notes);
+  if (type == FieldType::Boolean) {
     labels.AddNumber(0, "false");
     labels.AddNumber(1, "true");
   }
@@ -109,7 +118,7 @@ MissingRule MakeMissingRule(const std::vector<LabelledValue>& entries,
         rule.texts.push_back(std::move(text));
       continue;
     }
-    const std::optional<double> number = FieldValueOf(entry, dialect);
+    const std::optional<double> number = MissingCodeOf(entry, dialect);
     if (number && std::find(rule.values.begin(), rule.values.end(), *number) == rule.values.end())
       rule.values.push_back(*number);
   }

@@ -18,7 +18,8 @@ std::size_t LongestLabelledText(const FieldDescriptor& field);
 /// The labels of a variable of that width (0: numeric), ordered by value; null when there are none. In this order, the
 /// first label of a value holding: the categories, the value labels of the extension property, the labelled missing
 /// values (of a numeric variable those that read as numbers), and 0 false and 1 true of a boolean. `field` may be null.
-/// A labelled category that does not read as a number of a numeric variable is told in `notes`.
+/// A labelled category that is no value of a numeric variable is told in `notes`. REQUIRES: a width of at least
+/// LongestLabelledText for a string variable.
 std::shared_ptr<const ValueLabelList> MakeValueLabels(const FieldDescriptor* field, FieldType type, int width,
                                                       const std::string& origin, std::vector<Note>& notes);
 

@@ -279,6 +279,38 @@ TEST(MissingValues, ofANumericVariableAreTheEntriesThatReadAsNumbers) {
   EXPECT_THAT(all[0].missing.values, ElementsAre(-9, 99.5, 100));
 }
 
+TEST(MissingValues, areReadInTheWayTheFieldWritesNumbers) {
+  const Described all =
+      Describe(OneField(R"("type":"number","decimalChar":",","groupChar":".","missingValues":["-9,5","1.000"])"),
+               {NumberColumn("x", FieldType::Number)});
+  EXPECT_THAT(all[0].missing.values, ElementsAre(-9.5, 1000));
+}
+
+TEST(MissingValues, ofDatesAndBooleansAreNumbersOnly) {
+  for (const auto& [word, type] : std::vector<std::pair<std::string, FieldType>>{
+           {"date", FieldType::Date}, {"boolean", FieldType::Boolean}, {"time", FieldType::Time}}) {
+    const Described all =
+        Describe(OneField(R"("missingValues":["1900-01-01","true","00:00:00","-99"],"type":")" + word + "\""),
+                 {NumberColumn("x", type)});
+    EXPECT_THAT(all[0].missing.values, ElementsAre(-99)) << word;
+  }
+}
+
+TEST(ValueLabels, ofDatesAreReadAsDates) {
+  const Described all = Describe(
+      OneField(
+          R"("type":"date","format":"%d.%m.%Y","codebook":{"valueLabels":[{"value":"02.01.1970","label":"day two"}]})"),
+      {NumberColumn("x", FieldType::Date)});
+  EXPECT_THAT(LabelsOf(all[0]), ElementsAre("86400.0=day two"));
+}
+
+TEST(ValueLabels, ofAnInferredTypeAreReadByThatType) {
+  const Described all =
+      Describe(OneField(R"("categories":[{"value":"true","label":"Yes"},{"value":"2","label":"two"}])"),
+               {NumberColumn("x", FieldType::Boolean)});
+  EXPECT_THAT(LabelsOf(all[0]), ElementsAre("0.0=false", "1.0=Yes", "2.0=two"));
+}
+
 TEST(MissingValues, ofAStringVariableAreAllEntriesWithoutTrailingBlanks) {
   const Described all =
       Describe(OneField(R"("type":"string","missingValues":["","  ","NA ","-9"])"), {StringColumn("x", 2)});
