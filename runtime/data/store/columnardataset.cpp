@@ -43,12 +43,13 @@ class ColumnarCursor : public CaseCursor {
   const double* const fWeights;
 };
 
-std::vector<double> WeightsOf(const StoredColumn& column) {
+/// A case without a valid positive weight counts nothing.
+std::vector<double> WeightsOf(const StoredColumn& column, const MissingRule& missing) {
   std::vector<double> weights(static_cast<std::size_t>(column.rows()));
   for (std::int64_t row = 0; row < column.rows(); ++row) {
     const double weight = column.Number(row);
     // A comparison with NaN is false.
-    weights[static_cast<std::size_t>(row)] = weight > 0.0 ? weight : 0.0;
+    weights[static_cast<std::size_t>(row)] = weight > 0.0 && !missing.holds(weight) ? weight : 0.0;
   }
   return weights;
 }
@@ -64,7 +65,8 @@ ColumnarDataset::ColumnarDataset(Dictionary dictionary, std::vector<StoredColumn
   fBlockRows = fColumns.empty() ? std::max<std::int64_t>(rows, 1) : fColumns.front().blockRows();
   fChunkRows = chunkRows > 0 ? std::min(chunkRows, fBlockRows) : fBlockRows;
   const int weight = this->dictionary().weight;
-  if (weight >= 0) fWeights = WeightsOf(column(weight));
+  if (weight >= 0)
+    fWeights = WeightsOf(column(weight), this->dictionary().variables[static_cast<std::size_t>(weight)]->missing);
 }
 
 ColumnarDataset::~ColumnarDataset() = default;

@@ -59,6 +59,7 @@ class ValueFacts {
 struct UnreadableCell {
   std::int64_t row = 0;   // of the data, from 1
   std::int64_t line = 0;  // of the file, from 1; 0 when the source has no lines
+  std::string source;     // the file, where a table has several; else empty
   std::string text;       // exact bytes
 };
 
@@ -72,6 +73,7 @@ struct ColumnFacts {
   std::int64_t blankCells = 0;             // empty or nothing but blanks
   std::int64_t unreadableCells = 0;        // of a numeric type: cells that are system-missing because they did not read
   std::vector<UnreadableCell> unreadable;  // the first kCellsKept of them
+  std::int64_t roundedCells = 0;           // of type integer: whole numbers beyond 2^53 that are no double
   std::size_t longestValue = 0;            // string: bytes without trailing blanks
   int decimals = 0;                        // numeric: most digits behind the decimal point, the exponent considered
   ValueFacts values;                       // numeric
