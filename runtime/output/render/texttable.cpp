@@ -200,6 +200,9 @@ void TextTable::DrawWithWidths(std::string& page, const std::vector<int>& widths
     }
   }
 
+  std::vector<std::size_t> tops(fRows.size(), 0);  // the line of the table's cells that a row begins at
+  for (std::size_t r = 1; r < fRows.size(); ++r) tops[r] = tops[r - 1] + heights[r - 1];
+
   const auto barsOf = [&](std::size_t row) {
     std::vector<bool> bars(fColumns + 1, true);
     for (std::size_t c = 1; c < fColumns; ++c) {
@@ -221,8 +224,7 @@ void TextTable::DrawWithWidths(std::string& page, const std::vector<int>& widths
         if (placed == nullptr) {
           page.append(static_cast<std::size_t>(widths[c]), ' ');
         } else {
-          std::size_t index = line;
-          for (std::size_t row = placed->firstRow; row < r; ++row) index += heights[row];
+          const std::size_t index = tops[r] - tops[placed->firstRow] + line;
           const std::string_view text = index < placed->lines.size() ? placed->lines[index] : std::string_view();
           AppendText(page, frame, text, placed->width, placed->indent, placed->right, placed->bold);
         }
