@@ -1,0 +1,131 @@
+#!/usr/bin/env python3
+"""Replays the golden cases and compares what the program says with what stands in them.
+
+Each case is run from every kind of data file, with one and two threads and with cases counted one, three and many at a
+time: status, messages and report must always be those of the case file. --update writes what the program says into
+the case files, after showing the difference: to be read line by line before it is believed."""
+
+import argparse
+import collections
+import concurrent.futures
+import difflib
+import itertools
+import os
+import subprocess
+import sys
+import tempfile
+
+import datafiles
+from casefile import CaseError, find_cases, outcome_text
+from parquet import ParquetWriter
+from reportdump import as_text, dump_report
+
+THREADS = ("1", "2")
+CHUNK_ROWS = ("1", "3", None)
+SECONDS_A_RUN = 60
+
+
+class Runner:
+    def __init__(self, program, duckdb, quick):
+        self.program = os.path.abspath(program)
+        self.parquet = ParquetWriter(duckdb) if duckdb else None
+        # A slow build shows each source, each number of threads and each chunk size once rather than all together.
+        self.settings = list(itertools.product(THREADS, CHUNK_ROWS))
+        if quick:
+            self.settings = [("1", None), ("2", "3")]
+
+    def kinds(self, case):
+        possible = datafiles.ALL if self.parquet else datafiles.WITHOUT_DUCKDB
+        wanted = case.sources() or possible
+        unknown = set(wanted) - set(datafiles.ALL)
+        if unknown:
+            raise CaseError(f"{case.path}: there is no source {', '.join(sorted(unknown))}; sources: {' '.join(datafiles.ALL)}")
+        return [kind for kind in wanted if kind in possible]
+
+    def outcome(self, case, folder, data, threads, chunk_rows):
+        """What the program says to the case, in the notation of the case file."""
+        command = [self.program, data, "-F", "json", "-c", case.command(), "--threads", threads, *case.options()]
+        if chunk_rows:
+            command += ["--chunk-rows", chunk_rows]
+        done = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, timeout=SECONDS_A_RUN, check=False)
+        out, err = (normalised(text.decode("utf-8"), folder, data) for text in (done.stdout, done.stderr))
+        if out:
+            messages, report = dump_report(out)
+            said = sum(line.startswith(("codebook: error: ", "codebook: warning: ")) for line in err.splitlines())
+            held = sum(line.startswith(("error ", "warning ")) for line in messages.splitlines())
+            if said != held:
+                messages += f"but standard error tells {said} messages:\n{err}"
+        else:
+            messages, report = as_text("stderr: " + line for line in err.splitlines()), ""
+        return outcome_text({"status": f"{done.returncode}\n", "messages": messages, "report": report})
+
+    def outcomes(self, case):
+        """Pairs of what was run and its outcome."""
+        rows = case.rows()
+        for kind in self.kinds(case):
+            with tempfile.TemporaryDirectory(prefix="golden.") as folder:
+                folder = os.path.realpath(folder)
+                data = datafiles.write_data(kind, folder, rows, self.parquet)
+                if case.dictionary() is not None:
+                    with open(os.path.join(folder, "data.schema.json"), "w", encoding="utf-8") as file:
+                        file.write(case.dictionary())
+                for threads, chunk_rows in self.settings:
+                    name = f"{kind}, {threads} threads, chunks of {chunk_rows or 'all'} rows"
+                    yield name, self.outcome(case, folder, data, threads, chunk_rows)
+
+
+def normalised(text, folder, data):
+    """The folder and the ending of the data file are of no account."""
+    inside_json = folder.replace("\\", "\\\\")
+    return text.replace(inside_json, "FOLDER").replace(folder, "FOLDER").replace(os.path.basename(data), "DATAFILE")
+
+
+def difference(expected, got):
+    lines = difflib.unified_diff(expected.splitlines(), got.splitlines(), "expected", "got", lineterm="", n=3)
+    return as_text("    " + line for line in lines)
+
+
+def compare(runner, case, update):
+    """The faults of a case as one text, empty when there is none; and whether its file was changed."""
+    found = collections.OrderedDict()
+    for name, outcome in runner.outcomes(case):
+        if outcome != case.outcome():
+            found.setdefault(outcome, []).append(name)
+    if not found:
+        return "", False
+    text = f"{case.name}\n"
+    for outcome, names in found.items():
+        further = f" and {len(names) - 1} more" if len(names) > 1 else ""
+        text += f"  {names[0]}{further}:\n{difference(case.outcome(), outcome)}"
+    if update:
+        case.write_outcome(next(iter(found)))
+    return text, update
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--program", required=True, help="the program to try")
+    parser.add_argument("--duckdb", help="libduckdb.so, when the program was built with it: adds JSON lines and Parquet")
+    parser.add_argument("--quick", action="store_true", help="fewer combinations, for builds with sanitizers")
+    parser.add_argument("--update", action="store_true", help="show what differs and write it into the case files")
+    parser.add_argument("case", nargs="*", help="names of cases (otherwise all)")
+    arguments = parser.parse_args()
+    if arguments.update and os.environ.get("CI"):
+        sys.exit("run.py: --update is refused where CI is set: expectations are changed by people who read them")
+
+    try:
+        cases = find_cases(os.path.dirname(os.path.abspath(__file__)), arguments.case)
+        runner = Runner(arguments.program, arguments.duckdb, arguments.quick)
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            results = list(pool.map(lambda case: compare(runner, case, arguments.update), cases))
+    except CaseError as error:
+        sys.exit(f"run.py: {error}")
+    for faults, updated in results:
+        print(faults + ("  written to the case file\n" if updated else ""), end="")
+    failed = sum(bool(faults) for faults, _ in results)
+    print(f"{len(results) - failed} passed, {failed} failed")
+    sys.exit(1 if failed else 0)
+
+
+if __name__ == "__main__":
+    main()
