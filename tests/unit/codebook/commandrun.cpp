@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "runtime/common/session.h"
+#include "tests/unit/codebook/insession.h"
 
 extern "C" void CODEBOOK();
 
@@ -39,14 +40,7 @@ CommandRun::CommandRun(std::shared_ptr<const runtime::data::Dataset> dataset, co
   fReport = std::move(session.report());
 }
 
-std::vector<std::string> CommandRun::messages() const {
-  std::vector<std::string> lines;
-  for (const runtime::output::Message& message : fReport.messages) {
-    const std::string severity = message.severity == runtime::output::Severity::Error ? "error: " : "warning: ";
-    lines.push_back((message.source == runtime::output::Source::Host ? "host " : "") + severity + message.text);
-  }
-  return lines;
-}
+std::vector<std::string> CommandRun::messages() const { return messageLines(fReport); }
 
 std::vector<std::string> CommandRun::titles() const {
   std::vector<std::string> titles;

@@ -1,5 +1,5 @@
-// Runs commands through the module and the real runtime over a dataset in memory, and shows what came out in a form that
-// reads well in an expectation.
+// Runs commands through the module and the real runtime over a dataset in memory, and shows what came out in a form
+// that reads well in an expectation.
 #pragma once
 
 #include <memory>

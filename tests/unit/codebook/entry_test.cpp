@@ -1,4 +1,6 @@
 // The entry: what happens between the host's call and the first table.
+#include <stdexcept>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,6 +40,43 @@ TEST(Entry, withoutADatasetTheCommandEndsSilently) {
   const CommandRun run(nullptr, "CODEBOOK.");
   EXPECT_THAT(run.messages(), IsEmpty());
   EXPECT_THAT(run.titles(), IsEmpty());
+}
+
+/// A dataset whose cases cannot be opened, or break off.
+class BrokenDataset : public runtime::data::Dataset {
+ public:
+  explicit BrokenDataset(const runtime::data::Dataset& like) : Dataset(like.dictionary()) {}
+  std::unique_ptr<CaseCursor> NewCursor() const override { throw std::runtime_error("survey.csv:7: gone"); }
+  std::int64_t caseCount() const override { return -1; }
+};
+
+TEST(Entry, exceptionOfTheCasesReachesTheCallerAndLeavesNothingBehind) {
+  const auto broken = std::make_shared<BrokenDataset>(*oneVariable());
+  const std::shared_ptr<const runtime::data::Dataset> dataset = broken;
+  try {
+    const CommandRun run(dataset, "CODEBOOK.");
+    FAIL() << "nothing was thrown";
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "survey.csv:7: gone");
+  }
+  // Procedure and data source each held the dataset.
+  EXPECT_EQ(dataset.use_count(), 2);
+}
+
+TEST(Entry, commandBehindAStoppedOneStillRuns) {
+  const CommandRun run(oneVariable(), "CODEBOOK nobody.\nCODEBOOK age /STATISTICS NONE.");
+  EXPECT_FALSE(run.done());
+  EXPECT_EQ(run.report().procedures.size(), 2U);
+  EXPECT_THAT(run.titles(), ElementsAre("age"));
+}
+
+TEST(Entry, nothingIsKeptFromOneCommandToTheNext) {
+  const CommandRun run(
+      oneVariable(),
+      "CODEBOOK age [N] /VARINFO LABEL /STATISTICS NONE.\nCODEBOOK age /VARINFO MEASURE /STATISTICS MEAN.");
+  EXPECT_THAT(run.rows("age", 0), ElementsAre("Standard Attributes > Label | Value: <none>"));
+  EXPECT_EQ(run.rows("age", 1).front(), "Standard Attributes > Measurement | Value: Scale");
+  EXPECT_EQ(run.rows("age", 1).back(), "Central Tendency and Dispersion > Mean | Value: 42.0000");
 }
 
 }  // namespace
