@@ -3,9 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "host/common/check.h"
+
 #include "codebook/cbkoutput.h"
 #include "codebook/cbkreport.h"
-#include "host/common/check.h"
 
 namespace codebook {
 
@@ -68,9 +69,7 @@ class VariableTable {
   bool isScale() const { return fTreatment == kScaleItem; }
   bool countsOrPercents() const { return fShowCounts || fShowPercents; }
   /// False behind an item that could not be described: such a position has no entry in the statistics.
-  bool hasEntry() const {
-    return fReport.fStatistics != nullptr && fEntryPosition < fReport.fStatistics->itemCount();
-  }
+  bool hasEntry() const { return fReport.fStatistics != nullptr && fEntryPosition < fReport.fStatistics->itemCount(); }
   /// The place of a code among the requested ones; their number when it was not requested.
   std::size_t codePosition(std::int32_t code) const;
   void writeCountCells(double count, double percent);
@@ -94,6 +93,8 @@ class VariableTable {
 
   bool fShowCounts;
   bool fShowPercents;
+  const bool fShowValid;  // settled here: counts that are dropped later leave the labelled values
+  const bool fShowMissing;
   std::vector<double> fCounts;
   std::vector<double> fPercents;
   std::vector<double> fValues;
@@ -118,17 +119,20 @@ VariableTable::VariableTable(CodebookReport& report, std::uint32_t variableIndex
       fMeanFormat(report.fProcedure->Mean(static_cast<int>(variableIndex))),
       fStdDevFormat(report.fProcedure->StdDev(static_cast<int>(variableIndex))),
       fShowCounts(statisticsByDefault || fSettings.statCount()),
-      fShowPercents(statisticsByDefault || fSettings.statPercent()) {}
+      fShowPercents(statisticsByDefault || fSettings.statPercent()),
+      fShowValid(countsOrPercents() || shows(fSettings.varInfoValueLabels())),
+      fShowMissing(countsOrPercents() || shows(fSettings.varInfoMissing())) {}
 
 std::uint32_t VariableTable::write() {
   writeStandardAttributes();
   if (shows(fSettings.varInfoAttributes())) writeAttributes(fixedText("Custom Attributes"), false);
   // Never by default, and its label is marked as data, unlike the file's. Kept as it is.
   if (fSettings.varInfoReservedAttributes()) writeAttributes(dataText("Reserved Attributes"), true);
-  if (isScale() && !fSettings.statisticsNone() && !fReport.fScaleStatCodes.empty() && hasEntry()) writeScaleStatistics();
+  if (isScale() && !fSettings.statisticsNone() && !fReport.fScaleStatCodes.empty() && hasEntry())
+    writeScaleStatistics();
 
-  const bool noValues = !countsOrPercents() && fSettings.varInfoGiven() && !fSettings.varInfoValueLabels() &&
-                        !fSettings.varInfoMissing();
+  const bool noValues =
+      !countsOrPercents() && fSettings.varInfoGiven() && !fSettings.varInfoValueLabels() && !fSettings.varInfoMissing();
   if (!noValues) writeValues();
 
   if (!fAnyRow) fReport.fNoInformationList += std::string(fVariable.GetName()) + " ,";
@@ -214,9 +218,9 @@ void VariableTable::writeScaleStatistics() {
 void VariableTable::writeValues() {
   const std::size_t labelCount = MAVO_ValueLabelMap(fVariable.GetValueLabels()).Size();
 
-  // The value list of a scale variable has the entry behind the variable's own. Without value labels the position goes one
-  // back whether or not it went forward: with counts and percents off it ends one below where it began, so that the next
-  // item reads this one's statistics. Required so.
+  // The value list of a scale variable has the entry behind the variable's own. Without value labels the position goes
+  // one back whether or not it went forward: with counts and percents off it ends one below where it began, so that the
+  // next item reads this one's statistics. Required so.
   if (isScale() && countsOrPercents()) ++fEntryPosition;
   if (isScale() && labelCount == 0) {
     --fEntryPosition;
@@ -243,8 +247,6 @@ void VariableTable::writeValues() {
 }
 
 void VariableTable::writeLabelledValues(std::size_t count) {
-  const bool showValid = shows(fSettings.varInfoValueLabels());
-  const bool showMissing = shows(fSettings.varInfoMissing());
   BpGroup labelled = fRows.Group(fixedText("Labeled Values"), true, BpGroup::kCreationOrder);
   BpGroup valid = fRows.Group(fixedText("Valid Values"), true, BpGroup::kCreationOrder);
   BpGroup missing = fRows.Group(fixedText("Missing Values"), true, BpGroup::kCreationOrder);
@@ -256,12 +258,9 @@ void VariableTable::writeLabelledValues(std::size_t count) {
   for (std::size_t k = 0; k < count && labels.GetNextPair(value, label) != 0; ++k) {
     BpGroup* group = &labelled;
     if (!isScale()) {
-      if (fVariable.IsMissing(value) != 0 && showMissing)
-        group = &missing;
-      else if (fVariable.IsMissing(value) == 0 && showValid)
-        group = &valid;
-      else
-        continue;
+      const bool isMissing = fVariable.IsMissing(value) != 0;
+      if (!(isMissing ? fShowMissing : fShowValid)) continue;
+      group = isMissing ? &missing : &valid;
     }
     addRow(*group, BpDataValue(fVariable, value, BpDataValue::kFormattedValue));
     fColumns.value.Cell(dataText(label));
