@@ -138,6 +138,9 @@ void CategorySetCounter::FindNewValues(const Chunk& chunk, std::size_t first, st
   const std::vector<ColumnView> columns = Columns(chunk);
   ForEachBlock(first, count, BlockRows(), [&](std::size_t row, std::size_t rows) {
     AssignSlots(columns, row, rows);
+    const bool hasNew =
+        std::any_of(fBlock.begin(), fBlock.end(), [this](std::uint32_t slot) { return fMarks[slot] == kNotMet; });
+    if (!hasNew) return;
     for (std::size_t i = 0; i < rows; ++i)
       for (std::size_t member = 0; member < fMembers.size(); ++member)
         FindInBlock(&fBlock[member * rows + i], 1, chunk.weights, row + i, found);

@@ -57,6 +57,14 @@ TEST(ChunkWeights, weightsTooFarApartAreSummedInWideAccumulators) {
   EXPECT_EQ(weights.Sum(), 1e300);
 }
 
+TEST(ChunkWeights, fixedPointKeepsRoomForItsSums) {
+  Weights weights;
+  std::vector<double> far(1000, std::ldexp(1.0, 60));
+  far.push_back(std::ldexp(1.0, -60));  // 121 bits apart: 1000 of them would not fit into 128 bits
+  weights.Add(far);
+  EXPECT_EQ(weights.Sum(), std::ldexp(1000.0, 60));
+}
+
 TEST(ChunkWeights, aSumBeyondTheLargestDoubleIsSystemMissing) {
   Weights weights;
   EXPECT_EQ(weights.Add({1.7e308, 1.7e308}), Form::Wide);

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/aggregation/table.h"
@@ -16,7 +17,9 @@
 class OneTable {
  public:
   explicit OneTable(runtime::data::DatasetBuilder& builder, std::int64_t chunkRows = 0)
-      : fSource(builder.Build(chunkRows)),
+      : OneTable(builder.Build(chunkRows)) {}
+  explicit OneTable(std::shared_ptr<const runtime::data::Dataset> dataset)
+      : fSource(std::move(dataset)),
         fIterator(fSource.NewCaseIterator(0)),
         fTable(std::make_unique<AggregationTable>(*fIterator, false, true, -1)),
         fCube(fTable->CreateCube()) {}

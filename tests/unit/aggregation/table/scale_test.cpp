@@ -8,6 +8,7 @@
 
 #include "runtime/aggregation/binding.h"
 #include "tests/unit/aggregation/support/onetable.h"
+#include "tests/unit/aggregation/support/testdataset.h"
 
 namespace {
 
@@ -147,6 +148,26 @@ TEST(ScaleVariable, wholeWeightsEqualRepeatedCases) {
   again.Scale(0).Pass();
   for (int place = kValidPlace; place <= kUpperQuartile; ++place)
     EXPECT_EQ(weighted.ScaleValue(place), again.ScaleValue(place)) << place;
+}
+
+TEST(ScaleVariable, aZeroResultHasNoSign) {
+  TestColumn column;
+  for (int i = 1; i <= 2000; ++i) {
+    column.numbers.push_back(i / 8192.0);
+    column.numbers.push_back(-i / 8192.0);
+  }
+  column.numbers.insert(column.numbers.end(), 5000, -0.0);
+  runtime::data::DatasetBuilder builder;
+  builder.AddNumeric("v");
+  const auto rows = static_cast<std::int64_t>(column.numbers.size());
+  const auto dataset =
+      std::make_shared<TestDataset>(builder.Build()->dictionary(), TestData{{column}, {}, {1000, rows}, {}, false, 0});
+  OneTable table(dataset);
+  table.Scale(0).Pass();
+  for (const int place : {kMeanPlace, kMedian}) {
+    EXPECT_EQ(table.ScaleValue(place), 0.0);
+    EXPECT_FALSE(std::signbit(table.ScaleValue(place)));
+  }
 }
 
 TEST(ScaleStatisticRead, isToldForMeanDeviationAndPercentilesWhenTheirValueIsRead) {

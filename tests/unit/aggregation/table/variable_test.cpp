@@ -23,6 +23,20 @@ TEST(CategoricalVariable, categoriesAreTheValuesMetInAscendingOrder) {
   EXPECT_EQ(table.NumberOfValues(), 4);
 }
 
+TEST(CategoricalVariable, countsEveryRowOfALongChunk) {
+  for (const std::size_t rows : {511u, 512u, 513u, 1026u, 1027u}) {
+    std::vector<double> cells(rows, 1.0);
+    cells.back() = 2.0;
+    cells[rows / 2] = kNaN;
+    runtime::data::DatasetBuilder builder;
+    builder.AddNumeric("v", cells);
+    OneTable table(builder);
+    table.Categorical(new AggregationVariable(0, "v")).Pass();
+    EXPECT_EQ(table.Counts(), (Numbers{static_cast<double>(rows - 2), 1}));
+    EXPECT_EQ(table.Missing(), 1.0);
+  }
+}
+
 TEST(CategoricalVariable, stringsAreOrderedByBytesAndLoseTrailingBlanks) {
   runtime::data::DatasetBuilder builder;
   builder.AddString("v", {"b", "a  ", "B", "", "\xC3\xA9", "a"}).Width(6);
