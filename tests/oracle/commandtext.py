@@ -21,11 +21,21 @@ DIRECTIONS = ["ASCENDING", "DESCENDING"]
 
 
 class CommandError(Exception):
-    """The text is no command that the grammar knows. `opens_procedure` is false for an unknown command name."""
+    """The text is no command that the grammar knows. `opens_procedure` is false for an unknown command name. `count` is the
+    number of errors: reading goes on at the next slash."""
 
-    def __init__(self, what, opens_procedure=True):
+    def __init__(self, what, count=1, opens_procedure=True):
         super().__init__(what)
+        self.count = count
         self.opens_procedure = opens_procedure
+
+
+class SubcommandError(Exception):
+    """A subcommand is not as the grammar has it, from the token at `position` on."""
+
+    def __init__(self, what, position):
+        super().__init__(what)
+        self.position = position
 
 
 def upper(text):
@@ -114,28 +124,37 @@ def parse_command(tokens):
     if not tokens[0].is_keyword("CODEBOOK"):
         raise CommandError("unknown command", opens_procedure=False)
     command = Command()
-    i = 1
-    listed = []
-    while i < len(tokens) and not tokens[i].is_special("/"):
-        listed.append(tokens[i])
-        i += 1
-    if listed:
-        command.list_tokens = listed
+    i = next_slash(tokens, 1)
+    if i > 1:
+        command.list_tokens = tokens[1:i]
+    errors = []
     while i < len(tokens):
-        i = parse_subcommand(command, tokens, i)
+        try:
+            i = parse_subcommand(command, tokens, i)
+        except SubcommandError as error:
+            errors.append(str(error))
+            i = next_slash(tokens, error.position)
+    if errors:
+        raise CommandError("; ".join(errors), count=len(errors))
     return command
+
+
+def next_slash(tokens, i):
+    while i < len(tokens) and not tokens[i].is_special("/"):
+        i += 1
+    return i
 
 
 def parse_subcommand(command, tokens, i):
     """Reads one subcommand from its slash on; returns the position behind it."""
     i += 1
     if i == len(tokens) or tokens[i].kind != "word":
-        raise CommandError("no subcommand behind the slash")
+        raise SubcommandError("no subcommand behind the slash", i)
     name = tokens[i].upper
     if name not in BARE_KEYWORDS and name != "OPTIONS":
-        raise CommandError("unknown subcommand")
+        raise SubcommandError("unknown subcommand", i)
     if name in command.subcommands:
-        raise CommandError("subcommand written twice")
+        raise SubcommandError("subcommand written twice", i)
     i += 1
     if i < len(tokens) and tokens[i].is_special("="):
         i += 1
@@ -143,19 +162,17 @@ def parse_subcommand(command, tokens, i):
     command.subcommands[name] = keywords
     while i < len(tokens) and not tokens[i].is_special("/"):
         if tokens[i].kind != "word":
-            raise CommandError("no keyword")
+            raise SubcommandError("no keyword", i)
         keyword = tokens[i].upper
+        if keyword not in (VALUE_KEYWORDS if name == "OPTIONS" else BARE_KEYWORDS[name]):
+            raise SubcommandError("unknown keyword", i)
+        if name == "OPTIONS" and keyword in keywords:
+            raise SubcommandError("keyword with a value written twice", i)
         i += 1
-        if name != "OPTIONS":
-            if keyword not in BARE_KEYWORDS[name]:
-                raise CommandError("unknown keyword")
+        if name == "OPTIONS":
+            keywords[keyword], i = parse_value(keyword, tokens, i)
+        else:
             keywords[keyword] = None
-            continue
-        if keyword not in VALUE_KEYWORDS:
-            raise CommandError("unknown keyword")
-        if keyword in keywords:
-            raise CommandError("keyword with a value written twice")
-        keywords[keyword], i = parse_value(keyword, tokens, i)
     return i
 
 
@@ -166,14 +183,14 @@ def parse_value(keyword, tokens, i):
     elif i < len(tokens) and tokens[i].is_special("("):
         in_parentheses = True
     else:
-        raise CommandError("value left out")
+        raise SubcommandError("value left out", i)
     i += 1
     if i == len(tokens) or tokens[i].kind == "special":
-        raise CommandError("value left out")
+        raise SubcommandError("value left out", i)
     value = tokens[i].text
     if keyword == "VARORDER":
         if tokens[i].kind != "word" or tokens[i].upper not in ORDERS:
-            raise CommandError("unknown order")
+            raise SubcommandError("unknown order", i)
         value = (tokens[i].upper, None)
         i += 1
         if value[0] == "ATTRIBUTE":
@@ -181,14 +198,14 @@ def parse_value(keyword, tokens, i):
             value = ("ATTRIBUTE", carried)
     elif keyword == "SORT":
         if upper(value) not in DIRECTIONS:
-            raise CommandError("unknown direction")
+            raise SubcommandError("unknown direction", i)
         value = upper(value)
         i += 1
     else:
         i += 1
     if in_parentheses:
         if i == len(tokens) or not tokens[i].is_special(")"):
-            raise CommandError("parenthesis not closed")
+            raise SubcommandError("parenthesis not closed", i)
         i += 1
     return value, i
 

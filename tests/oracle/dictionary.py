@@ -5,6 +5,7 @@ import json
 import os
 import re
 from datetime import date, datetime, timezone
+from decimal import Decimal
 from fractions import Fraction
 
 from showing import Format, parse_format
@@ -197,8 +198,9 @@ def default_format(kind, width, cells):
     if kind in ("integer", "year"):
         return Format("F", digits_needed(cells), 0)
     if kind == "number":
-        decimals = max([len(c.partition(".")[2]) for c in cells] + [0])
-        whole = max([len(c.lstrip("+").partition(".")[0]) for c in cells] + [1])
+        plain = [format(Decimal(c), "f") for c in cells]
+        decimals = min(max([len(c.partition(".")[2]) for c in plain] + [0]), 16)
+        whole = max([len(c.partition(".")[0]) for c in plain] + [1])
         return Format("F", whole + (decimals + 1 if decimals else 0), decimals)
     return {"boolean": Format("F", 1, 0), "date": Format("SDATE", 10, 0), "datetime": Format("YMDHMS", 19, 0),
             "time": Format("TIME", 8, 0)}[kind]
@@ -232,8 +234,6 @@ def read_variable(field, schema, cells):
     if kind == "string":
         variable.missing_values = [text.rstrip(" ") for text, _ in missing]
         variable.values = [text.rstrip(" ") for text in cells]
-        longest = max([len(text.encode()) for text in cells] + [1])
-        variable.width = max(longest, field.get("constraints", {}).get("maxLength", 1))
     else:
         codes = {text: read_number(text) for text, _ in missing}
         variable.missing_values = [v for v in codes.values() if v is not SYSTEM_MISSING]
@@ -244,10 +244,14 @@ def read_variable(field, schema, cells):
                 shown_cells.append(text)
     for entry in own.get("missingRanges", []):
         variable.missing_ranges.append((float(entry.get("min", "-inf")), float(entry.get("max", "inf"))))
+    variable.labels = value_labels(field, kind, missing)
+    if kind == "string":
+        # Nothing is cut: neither a cell nor a value that has a label.
+        longest = max([len(text.encode()) for text in cells + [value for value, _ in variable.labels]] + [1])
+        variable.width = max(longest, field.get("constraints", {}).get("maxLength", 1))
     variable.format = parse_format(own["format"]) if "format" in own else default_format(kind, variable.width, shown_cells)
     variable.level = measurement_level(field, kind, variable.values)
     variable.role = ROLES[own.get("role", "input")]
-    variable.labels = value_labels(field, kind, missing)
     variable.attributes = attribute_list(field)
     if "description" in field:
         variable.attributes.append(("Description", [field["description"]]))

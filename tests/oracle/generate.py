@@ -240,7 +240,8 @@ class DatasetMaker:
             if well_formed(field["name"]):
                 by_kind.setdefault("string" if field["type"] == "string" else "numeric", []).append(field["name"])
         for name in numbers.sample(SET_NAMES, numbers.randrange(1, 4)):
-            members = by_kind[numbers.choice(sorted(by_kind))] if by_kind else []
+            kind = numbers.choice(sorted(by_kind)) if by_kind else None
+            members = by_kind.get(kind)
             if not members:
                 continue
             entry = {"name": name, "type": numbers.choice(["category", "dichotomy"]),
@@ -248,7 +249,9 @@ class DatasetMaker:
             if self.chance(0.6):
                 entry["label"] = numbers.choice(["", "Set of " + name[1:], "Ä set"])
             if entry["type"] == "dichotomy":
-                entry["countedValue"] = numbers.choice(["1", "2", "9", "yes", "m", "abcdefghij", "abcdefgh", "low", "1.5x"])
+                values = {"numeric": ["1", "2", "9", "1.5", "0", "1.0"],
+                          "string": ["1", "9", "Yes", "m", "abcdefghij", "abcdefgh", "low", "M"]}
+                entry["countedValue"] = numbers.choice(values[kind])
                 if self.chance(0.3):
                     entry["categoryLabels"] = numbers.choice(["variableLabels", "countedValues"])
             sets.append(entry)

@@ -28,7 +28,8 @@ def report_for(dataset, text):
         try:
             command = parse_command(tokens)
         except CommandError as error:
-            messages.syntax_error()
+            for _ in range(error.count):
+                messages.syntax_error()
             status = COMMAND_STOPPED
             if error.opens_procedure:
                 procedures.append({"title": "Codebook", "tables": tables})

@@ -27,8 +27,10 @@ class Format:
         return f"{self.kind}{self.width}.{self.decimals}" if self.decimals else f"{self.kind}{self.width}"
 
     def report_text(self):
-        """The same for the format of a number in the report, where a width of 0 is left out."""
-        return self.kind + (str(self.width) if self.width else "") + (f".{self.decimals}" if self.decimals else "")
+        """The same for the format of a number in the report: a width of 0 is left out, the decimals of a number are not."""
+        if self.kind in DAY_FORMATS + TIME_FORMATS:
+            return self.text()
+        return self.kind + (str(self.width) if self.width else "") + f".{self.decimals}"
 
 
 COUNT = Format("F", 0, 0)

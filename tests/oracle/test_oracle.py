@@ -147,6 +147,14 @@ class CommandText(unittest.TestCase):
                 self.parsed(text)
 
 
+    def test_readingGoesOnAtTheSlashBehindASyntaxError(self):
+        for text, count in (("CODEBOOK /OPTIONS SORT=UP /FOO LABEL /VARINFO LABEL FOO BAR", 3), ("CODEBOOK /FOO /VARINFO", 1),
+                            ("CODEBOOK /OPTIONS MAXCATS(5 /OPTIONS", 2), ("CODEBOOK //", 2)):
+            with self.assertRaises(CommandError) as caught:
+                self.parsed(text)
+            self.assertEqual(caught.exception.count, count, text)
+
+
 def numeric(name, values, **facts):
     variable = Variable()
     variable.name = name
