@@ -34,7 +34,7 @@ struct DuckDBLibrary {
   USE(duckdb_open_ext)                   \
   USE(duckdb_prepare)                    \
   USE(duckdb_prepare_error)              \
-  USE(duckdb_query)                      \
+                                         \
   USE(duckdb_result_error)               \
   USE(duckdb_set_config)                 \
   USE(duckdb_vector_get_data)            \

@@ -4,35 +4,31 @@
 #ifdef CODEBOOK_HAVE_DUCKDB
 
 #include <cstddef>
-#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
-
-#include "runtime/data/source/duckdblibrary.h"
+#include <vector>
 
 namespace runtime::data {
 
 /// A piece of a result.
 class DuckDBChunk {
  public:
-  DuckDBChunk(const DuckDBLibrary& library, duckdb_data_chunk chunk) : fLibrary(library), fChunk(chunk) {}
-
-  std::size_t rows() const { return fLibrary.duckdb_data_chunk_get_size(fChunk); }
+  virtual std::size_t rows() const = 0;
   /// The cells of a DOUBLE column; NaN for null.
-  void Doubles(std::size_t column, double* values) const;
-  /// The cells of a VARCHAR column; views into the chunk, of data() null for null.
-  void Texts(std::size_t column, std::string_view* texts) const;
+  virtual void Doubles(std::size_t column, double* values) const = 0;
+  /// The cells of a VARCHAR column; views into the chunk, empty for null.
+  virtual void Texts(std::size_t column, std::string_view* texts) const = 0;
 
- private:
-  const DuckDBLibrary& fLibrary;
-  duckdb_data_chunk fChunk;
+ protected:
+  ~DuckDBChunk() = default;
 };
 
 /// What is known of a column of a query before its rows are read.
 struct DuckDBColumn {
   std::string name;
-  duckdb_type type = DUCKDB_TYPE_INVALID;
+  int type = 0;          // a duckdb_type
   int decimalWidth = 0;  // of DECIMAL
 };
 
@@ -40,7 +36,8 @@ struct DuckDBColumn {
 /// DataError that names the file.
 class DuckDBSession {
  public:
-  /// `path` is absolute. `threads` 0: as many as the machine has.
+  /// `path` is absolute and names a file that can be opened; characters of patterns (* ? [) are taken literally.
+  /// `threads` 0: as many as the machine has.
   DuckDBSession(const std::string& path, int threads);
   ~DuckDBSession();
   DuckDBSession(const DuckDBSession&) = delete;
@@ -52,15 +49,15 @@ class DuckDBSession {
   std::vector<DuckDBColumn> Columns(const std::string& sql) const;
 
  private:
+  struct Connection;
   class Result;
 
   void Set(const std::string& sql) const;
-  [[noreturn]] void Fail(const char* problem) const;
+  [[noreturn]] void Fail(const std::string& problem) const;
 
-  const DuckDBLibrary& fLibrary;
-  std::string fPath;
-  duckdb_database fDatabase = nullptr;
-  duckdb_connection fConnection = nullptr;
+  std::string fFile;  // in messages
+  std::string fPath;  // as DuckDB is told it
+  std::unique_ptr<Connection> fConnection;
 };
 
 }  // namespace runtime::data

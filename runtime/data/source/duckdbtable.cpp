@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include "runtime/data/open.h"
+#include "runtime/data/source/duckdblibrary.h"
 #include "runtime/data/source/duckdbsession.h"
 
 namespace runtime::data {

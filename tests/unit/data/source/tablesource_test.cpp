@@ -1,0 +1,280 @@
+#include "runtime/data/source/tablesource.h"
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "../dictionary/described.h"
+#ifdef CODEBOOK_HAVE_DUCKDB
+#include "runtime/data/source/duckdbsession.h"
+#include "runtime/data/source/duckdbtable.h"
+#endif
+
+namespace runtime::data {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(TableFile, isKnownByItsEnding) {
+  for (const char* path : {"a.parquet", "A.PARQUET", "a.jsonl", "a.ndjson", "x/y.z.JsonL"})
+    EXPECT_TRUE(IsTableFile(path)) << path;
+  for (const char* path : {"a.csv", "a.json", "parquet", "a.parquet.csv", ""}) EXPECT_FALSE(IsTableFile(path)) << path;
+}
+
+#ifdef CODEBOOK_HAVE_DUCKDB
+
+std::string OpenProblem(const std::string& path) {
+  try {
+    OpenTableFile(path, 1);
+  } catch (const DataError& error) {
+    return error.what();
+  }
+  return {};
+}
+
+/// A column as it came: numbers as they print, NaN as "nan".
+struct Cells {
+  SourceColumn column;
+  std::vector<std::string> cells;
+};
+
+class Collector : public ColumnSink {
+ public:
+  explicit Collector(std::vector<Cells>& columns) : fColumns(columns) {}
+  void Numbers(std::size_t column, const double* values, std::size_t count) override {
+    for (std::size_t i = 0; i < count; ++i) fColumns[column].cells.push_back(fmt::format("{}", values[i]));
+  }
+  void Texts(std::size_t column, const std::string_view* texts, std::size_t count) override {
+    for (std::size_t i = 0; i < count; ++i) fColumns[column].cells.emplace_back(texts[i]);
+  }
+
+ private:
+  std::vector<Cells>& fColumns;
+};
+
+std::vector<Cells> ReadFile(const std::string& path, bool asText = false) {
+  const auto source = OpenTableFile(path, 2);
+  std::vector<Cells> columns;
+  for (const SourceColumn& column : source->columns()) columns.push_back({column, {}});
+  Collector collector(columns);
+  source->Read(std::vector<bool>(columns.size(), asText), collector);
+  for (const Cells& column : columns) EXPECT_EQ(static_cast<std::int64_t>(column.cells.size()), source->rowCount());
+  return columns;
+}
+
+/// Writes Parquet through DuckDB itself.
+void WriteParquet(const std::string& path, const std::string& select) {
+  const DuckDBSession session(path, 1);
+  session.Run("COPY (" + select + ") TO $1 (FORMAT parquet)", [](const DuckDBChunk&) {});
+}
+
+class TableFiles : public testing::Test {
+ protected:
+  std::vector<Cells> ReadLines(const std::string& text, bool asText = false) {
+    return ReadFile(fFolder.Write("x.jsonl", text), asText);
+  }
+
+  TemporaryFolder fFolder;
+};
+
+TEST_F(TableFiles, jsonValuesKeepTheirKind) {
+  const auto columns = ReadLines(R"({"i":1,"d":1.5,"s":"007","b":true,"n":null}
+{"i":-9,"d":2,"s":"x\"y","b":false}
+
+{"s":"","extra":1}
+)");
+  ASSERT_EQ(columns.size(), 6U);
+  EXPECT_EQ(columns[0].column.type, FieldType::Integer);
+  EXPECT_THAT(columns[0].cells, ElementsAre("1", "-9", "nan"));
+  EXPECT_EQ(columns[1].column.type, FieldType::Number);
+  EXPECT_THAT(columns[1].cells, ElementsAre("1.5", "2", "nan"));
+  EXPECT_THAT(columns[2].cells, ElementsAre("007", "x\"y", ""));
+  EXPECT_EQ(columns[3].column.type, FieldType::Boolean);
+  EXPECT_THAT(columns[3].cells, ElementsAre("1", "0", "nan"));
+  EXPECT_EQ(columns[4].column.name, "n");
+  EXPECT_THAT(columns[4].cells, ElementsAre("", "", ""));
+  EXPECT_THAT(columns[5].cells, ElementsAre("nan", "nan", "1"));
+}
+
+TEST_F(TableFiles, wholeNumbersThatNoDoubleHoldsMakeAColumnText) {
+  const auto columns = ReadLines(
+      "{\"a\":9007199254740992,\"b\":9007199254740993,\"c\":12345678901234567890123}\n"
+      "{\"a\":-9007199254740992,\"b\":1,\"c\":0}\n");
+  EXPECT_EQ(columns[0].column.type, FieldType::Integer);
+  EXPECT_THAT(columns[1].cells, ElementsAre("9007199254740993", "1"));
+  EXPECT_THAT(columns[2].cells, ElementsAre("12345678901234567890123", "0"));
+}
+
+TEST_F(TableFiles, jsonColumnsOfMixedKindsAndNestedOnesAreTexts) {
+  const auto columns = ReadLines("{\"a\":1,\"b\":[1,{\"c\":2}],\"t\":true}\n{\"a\":\"x\",\"b\":\"y\",\"t\":0}\n");
+  EXPECT_THAT(columns[0].cells, ElementsAre("1", "x"));
+  EXPECT_THAT(columns[1].cells, ElementsAre("[1,{\"c\":2}]", "y"));
+  EXPECT_THAT(columns[2].cells, ElementsAre("true", "0"));
+}
+
+TEST_F(TableFiles, jsonDatesStayTexts) {
+  const auto columns = ReadLines("{\"d\":\"1970-01-02\",\"u\":\"https://x\"}\n");
+  EXPECT_EQ(columns[0].column.type, FieldType::String);
+  EXPECT_THAT(columns[0].cells, ElementsAre("1970-01-02"));
+}
+
+TEST_F(TableFiles, giveTextsOfAllColumnsWhenAsked) {
+  const auto lines = ReadLines("{\"i\":7,\"d\":-1.25,\"b\":false,\"s\":\"x\",\"e\":1e3}\n{}\n", true);
+  EXPECT_THAT(lines[0].cells, ElementsAre("7", ""));
+  EXPECT_THAT(lines[1].cells, ElementsAre("-1.25", ""));
+  EXPECT_THAT(lines[2].cells, ElementsAre("false", ""));
+  EXPECT_THAT(lines[3].cells, ElementsAre("x", ""));
+  const std::string path = fFolder.Path("t.parquet");
+  WriteParquet(path,
+               "SELECT 7 AS n, TIMESTAMP '1970-01-02 03:00:00' AS ts, 1.5 AS f, DATE '1970-01-02' AS d, true AS b, "
+               "TIME '01:02:03' AS t");
+  const auto columns = ReadFile(path, true);
+  std::vector<std::string> row;
+  for (const Cells& column : columns) row.push_back(column.cells.at(0));
+  EXPECT_THAT(row, ElementsAre("7", "1970-01-02T03:00:00", "1.5", "1970-01-02", "true", "01:02:03"));
+}
+
+TEST_F(TableFiles, rowsKeepTheirOrder) {
+  std::string lines;
+  for (int i = 0; i < 50000; ++i) lines += "{\"i\":" + std::to_string(i) + ",\"s\":\"" + std::to_string(i) + "\"}\n";
+  const auto columns = ReadLines(lines);
+  ASSERT_EQ(columns[0].cells.size(), 50000U);
+  for (std::size_t row = 0; row < 50000; ++row) {
+    ASSERT_EQ(columns[0].cells[row], std::to_string(row));
+    ASSERT_EQ(columns[1].cells[row], std::to_string(row));
+  }
+}
+
+TEST_F(TableFiles, damagedJsonNamesTheFile) {
+  for (const char* text : {"{\"a\":1}\n{\"a\":", "[1]\n", "1\n2\n", "no json\n", "{\"a\":\"\xFF\"}\n"}) {
+    const std::string path = fFolder.Write("bad.jsonl", text);
+    EXPECT_THAT(OpenProblem(path), HasSubstr("bad.jsonl: the file cannot be read: ")) << text;
+    EXPECT_THAT(OpenProblem(path), testing::Not(HasSubstr("LINE 1"))) << text;
+  }
+  EXPECT_THAT(OpenProblem(fFolder.Write("[1].jsonl", "no json\n")), testing::Not(HasSubstr("/proc/")));
+  EXPECT_THAT(OpenProblem(fFolder.Write("e.jsonl", "")), HasSubstr("e.jsonl: the file is empty"));
+  EXPECT_THAT(OpenProblem(fFolder.Path("none.parquet")), HasSubstr("none.parquet: cannot open the file: No such file"));
+  std::filesystem::create_directory(fFolder.Path("d.parquet"));
+  EXPECT_THAT(OpenProblem(fFolder.Path("d.parquet")), HasSubstr("this is a directory"));
+  EXPECT_THAT(OpenProblem(fFolder.Write("no.parquet", "PAR1 but no more")),
+              HasSubstr("no.parquet: the file cannot be read"));
+}
+
+TEST_F(TableFiles, namesWithQuotesAndPatternsAreOnlyNames) {
+  fFolder.Write("other.jsonl", "{\"wrong\":1}\n");
+  for (const char* name : {"*.jsonl", "it's.jsonl", "[o]ther.jsonl", "a?b.jsonl", "'); DROP TABLE x; --.jsonl",
+                           "https:__example.org.jsonl", "year=2024.jsonl"}) {
+    const auto columns = ReadFile(fFolder.Write(name, "{\"a\\\"b'c\":1}\n"));
+    ASSERT_EQ(columns.size(), 1U) << name;
+    EXPECT_EQ(columns[0].column.name, "a\"b'c") << name;
+  }
+}
+
+TEST_F(TableFiles, parquetTypesBecomeNumbersOrTexts) {
+  const std::string path = fFolder.Path("t.parquet");
+  WriteParquet(path, R"(SELECT * FROM (VALUES
+      (1::TINYINT, 5::BIGINT, 9007199254740993::BIGINT, 1.5::FLOAT, 0.25::DOUBLE, 12.34::DECIMAL(10,2),
+       1234567890123456789.01::DECIMAL(30,2), 99.5::DECIMAL(30,1), 'x', DATE '1970-01-02', TIMESTAMP '1970-01-01 00:00:01.5',
+       TIME '01:02:03', true, [1,2], {'a': 1}, TIMESTAMPTZ '1970-01-01 02:00:00+02'),
+      (NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL))
+      t(i8, i64, big, f, d, dec, wide, fits, s, dt, ts, t, b, l, st, tz))");
+  const auto columns = ReadFile(path);
+  ASSERT_EQ(columns.size(), 16U);
+  std::vector<FieldType> types;
+  std::vector<std::string> first;
+  for (const Cells& column : columns) {
+    types.push_back(column.column.type);
+    first.push_back(column.cells[0]);
+    EXPECT_EQ(column.cells[1], column.column.type == FieldType::String ? "" : "nan");
+  }
+  EXPECT_THAT(types, ElementsAre(FieldType::Integer, FieldType::Integer, FieldType::String, FieldType::Number,
+                                 FieldType::Number, FieldType::Number, FieldType::String, FieldType::Number,
+                                 FieldType::String, FieldType::Date, FieldType::DateTime, FieldType::Time,
+                                 FieldType::Boolean, FieldType::String, FieldType::String, FieldType::DateTime));
+  EXPECT_THAT(first, ElementsAre("1", "5", "9007199254740993", "1.5", "0.25", "12.34", "1234567890123456789.01", "99.5",
+                                 "x", "86400", "1.5", "3723", "1", "[1,2]", "{\"a\":1}", "0"));
+}
+
+TEST_F(TableFiles, parquetWithoutRowsHasColumns) {
+  const std::string path = fFolder.Path("t.parquet");
+  WriteParquet(path, "SELECT 1 AS a, 'x' AS b WHERE false");
+  const auto columns = ReadFile(path);
+  ASSERT_EQ(columns.size(), 2U);
+  EXPECT_TRUE(columns[0].cells.empty());
+  EXPECT_EQ(columns[0].column.type, FieldType::Integer);
+}
+
+TEST_F(TableFiles, damagedParquetStopsWithAnError) {
+  const std::string path = fFolder.Path("t.parquet");
+  WriteParquet(path, "SELECT i, md5(i::VARCHAR) AS s FROM range(100000) t(i)");
+  std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+  file.seekp(4000);
+  file << std::string(20000, '\x5A');
+  file.close();
+  EXPECT_THROW(ReadFile(path), DataError);
+}
+
+TEST(DuckDBSession, readsNoOtherFile) {
+  const TemporaryFolder folder;
+  const std::string allowed = folder.Write("a.jsonl", "{\"a\":1}\n");
+  const std::string other = folder.Write("b.jsonl", "{\"a\":2}\n");
+  const DuckDBSession session(allowed, 1);
+  int rows = 0;
+  session.Run("SELECT 1 FROM read_json($1)", [&](const DuckDBChunk& chunk) { rows += static_cast<int>(chunk.rows()); });
+  EXPECT_EQ(rows, 1);
+  for (const std::string& sql :
+       {"SELECT * FROM read_json('" + other + "')", "COPY (SELECT 1) TO '" + folder.Path("c.csv") + "'",
+        std::string("SELECT * FROM read_json('https://example.org/a.json')"), std::string("INSTALL httpfs"),
+        std::string("SET enable_external_access = true")})
+    EXPECT_THROW(session.Run(sql, [](const DuckDBChunk&) {}), DataError) << sql;
+  EXPECT_FALSE(std::filesystem::exists(folder.Path("c.csv")));
+}
+
+TEST(DuckDBSession, keepsTheSettingsThatKeepItOffline) {
+  const TemporaryFolder folder;
+  const DuckDBSession session(folder.Write("a.jsonl", "{}"), 1);
+  const auto setting = [&](const std::string& name) {
+    std::string value;
+    session.Run("SELECT current_setting('" + name + "')::VARCHAR", [&](const DuckDBChunk& chunk) {
+      std::string_view text;
+      chunk.Texts(0, &text);
+      value = text;
+    });
+    return value;
+  };
+  EXPECT_EQ(setting("autoinstall_known_extensions"), "false");
+  EXPECT_EQ(setting("autoload_known_extensions"), "false");
+  EXPECT_EQ(setting("enable_external_access"), "false");
+  EXPECT_EQ(setting("preserve_insertion_order"), "true");
+  EXPECT_EQ(setting("threads"), "1");
+}
+
+TEST(DuckDBSession, anErrorInTheMiddleOfAResultIsNoEnd) {
+  const TemporaryFolder folder;
+  const DuckDBSession session(folder.Write("a.jsonl", "{}"), 1);
+  EXPECT_THROW(
+      session.Run("SELECT CASE WHEN i = 50000 THEN error('in the middle') ELSE i::VARCHAR END FROM range(100000) "
+                  "t(i)",
+                  [](const DuckDBChunk&) {}),
+      DataError);
+}
+
+TEST(FitsDouble, holdsUpTo2ToThe53) {
+  EXPECT_TRUE(FitsDouble("9007199254740992"));
+  EXPECT_TRUE(FitsDouble("-90071992547409.92"));
+  EXPECT_FALSE(FitsDouble("9007199254740993"));
+  EXPECT_FALSE(FitsDouble("-12345678901234567890"));
+  EXPECT_TRUE(FitsDouble(""));
+}
+
+#endif
+
+}  // namespace
+}  // namespace runtime::data
