@@ -200,6 +200,22 @@ void DatePattern::Compile(std::string_view pattern) {
       case 'F':
         Compile("%Y-%m-%d");
         break;
+      case 'x':
+        Compile("%m/%d/%y");
+        break;
+      case 'X':
+        Compile("%H:%M:%S");
+        break;
+      case 'r':
+        Compile("%I:%M:%S %p");
+        break;
+      case 'c':
+        Compile("%a %b %e %H:%M:%S %Y");
+        break;
+      case 'n':
+      case 't':
+        fSteps.push_back({'\0', ' '});
+        break;
       default:
         if (kPlainDirectives.find(directive) == std::string_view::npos) {
           fProblem = fmt::format("the pattern has the unknown part {}", QuotedCell(pattern.substr(at - 1, 2)));

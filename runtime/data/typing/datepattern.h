@@ -8,9 +8,10 @@
 
 namespace runtime::data {
 
-/// A pattern of strptime: %Y %y %m %d %j %b %B %h %a %A %H %I %M %S %f %p %z %Z %e %T %D %F %R %% and text; a blank
-/// stands for any blanks or none. Names of months and days are English, without regard to case. Years of two digits are
-/// 1969 to 2068. What a pattern leaves out is 1970, January, 1, 0 o'clock.
+/// A pattern of strptime: %Y %y %m %d %j %b %B %h %a %A %H %I %M %S %f %p %z %Z %e, their abbreviations %T %D %F %R %r
+/// %x %X %c as in the C locale, %n %t %% and text; a blank stands for any blanks or none. Names of months and days are
+/// English, without regard to case. Years of two digits are 1969 to 2068. What a pattern leaves out is 1970, January,
+/// 1, 0 o'clock.
 class DatePattern {
  public:
   explicit DatePattern(std::string_view pattern);

@@ -22,7 +22,16 @@ bool IsMoment(FieldType type) {
   return type == FieldType::Date || type == FieldType::DateTime || type == FieldType::Time;
 }
 
-/// Steps over a separator that may have several bytes.
+/// INF, -INF, NaN, in whatever case they are written.
+bool IsSpecialNumber(std::string_view text) {
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+  if (text.size() != 3) return false;
+  std::string lower;
+  for (const char c : text) lower.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c);
+  return lower == "inf" || lower == "nan";
+}
+
+/// Whether a separator, which may have several bytes, stands there.
 bool StandsAt(std::string_view text, std::size_t at, const std::string& separator) {
   return !separator.empty() && text.compare(at, separator.size(), separator) == 0;
 }
@@ -84,7 +93,7 @@ bool ValueReader::ReadTrimmed(std::string_view text, NumberReading& reading) con
 bool ValueReader::ReadNumeric(std::string_view text, NumberReading& reading) const {
   const bool isInteger = fDialect.type == FieldType::Integer;
   if (isInteger && fPlain) return ReadIntegerText(text, reading);
-  if (!isInteger && (text == "NaN" || text == "INF" || text == "-INF" || text == "+INF")) {
+  if (!isInteger && IsSpecialNumber(text)) {
     reading.value = kNaN;
     return true;
   }

@@ -1,0 +1,242 @@
+#include "runtime/data/typing/columntyper.h"
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace runtime::data {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+ColumnPlan Plan(FieldType type, const std::vector<std::string>& missing = {""}) {
+  ColumnPlan plan;
+  plan.dialect.type = type;
+  for (const std::string& text : missing) plan.missing.push_back({text, false, std::nullopt});
+  plan.place = "x.schema.json: field \"v\"";
+  return plan;
+}
+
+void AppendAll(ColumnTyper& typer, const std::vector<std::string>& cells, std::size_t blockRows) {
+  for (std::size_t first = 0; first < cells.size(); first += blockRows) {
+    std::vector<std::string_view> texts;
+    std::vector<std::int64_t> lines;
+    for (std::size_t i = first; i < std::min(cells.size(), first + blockRows); ++i) {
+      texts.push_back(cells[i]);
+      lines.push_back(static_cast<std::int64_t>(i) + 2);
+    }
+    CellBlock block;
+    block.cells = texts.data();
+    block.columns = 1;
+    block.rows = texts.size();
+    block.firstRow = static_cast<std::int64_t>(first);
+    block.lines = lines.data();
+    typer.Append(block, 0);
+  }
+}
+
+/// Reads the cells in blocks of that many rows, a second time where that is needed.
+TypedColumn Read(const ColumnPlan& plan, const std::vector<std::string>& cells, std::size_t blockRows = 3) {
+  auto typer = MakeColumnTyper(plan, "v", 2);
+  AppendAll(*typer, cells, blockRows);
+  if (!typer->NeedsSecondReading()) return typer->Finish();
+  typer = MakeTextTyper("v", 2);
+  AppendAll(*typer, cells, blockRows);
+  return typer->Finish();
+}
+
+std::vector<double> Numbers(const TypedColumn& column) {
+  std::vector<double> values;
+  for (std::int64_t row = 0; row < column.column.rows(); ++row) values.push_back(column.column.Number(row));
+  return values;
+}
+
+std::vector<std::string> Texts(const TypedColumn& column) {
+  std::vector<std::string> texts;
+  for (std::int64_t row = 0; row < column.column.rows(); ++row) texts.emplace_back(column.column.Text(row));
+  return texts;
+}
+
+MATCHER_P(AreSame, expected, "") {
+  if (arg.size() != expected.size()) return false;
+  for (std::size_t i = 0; i < arg.size(); ++i)
+    if (arg[i] != expected[i] && !(std::isnan(arg[i]) && std::isnan(expected[i]))) return false;
+  return true;
+}
+
+using Values = std::vector<double>;
+
+TEST(DeclaredColumn, keepsAMissingEntryThatReadsAsANumber) {
+  const TypedColumn column = Read(Plan(FieldType::Integer, {"", "-9", "NA"}), {"1", "-9", "NA", "", "2"});
+  EXPECT_THAT(Numbers(column), AreSame(Values{1, -9, kNaN, kNaN, 2}));
+  EXPECT_EQ(column.facts.unreadableCells, 0);
+  EXPECT_EQ(column.facts.blankCells, 1);
+  EXPECT_EQ(column.facts.values.DistinctIntegers(), (Values{-9, 1, 2}));
+}
+
+TEST(DeclaredColumn, readsACodeThatIsNoDateAsItsNumber) {
+  const TypedColumn column = Read(Plan(FieldType::Date, {"9999", "unknown"}), {"1970-01-02", "9999", "unknown"});
+  EXPECT_THAT(Numbers(column), AreSame(Values{86'400, 9999, kNaN}));
+  EXPECT_EQ(column.facts.unreadableCells, 0);
+}
+
+TEST(DeclaredColumn, looksForMissingEntriesFirstWhereTheyWouldReadAsValues) {
+  // "1900-01-01" reads as a date, but is no number: the cell is system-missing.
+  const TypedColumn column = Read(Plan(FieldType::Date, {"1900-01-01"}), {"1970-01-01", "1900-01-01", "1900-01-02"});
+  EXPECT_THAT(Numbers(column), AreSame(Values{0, kNaN, -70 * 365.0 * 86'400 - 17 * 86'400 + 86'400}));
+}
+
+TEST(DeclaredColumn, keepsEveryEntryOfAStringAsItsText) {
+  const TypedColumn column = Read(Plan(FieldType::String, {"", "NA", "-9"}), {"a  ", "NA", "", "-9", " b"});
+  EXPECT_EQ(Texts(column), (std::vector<std::string>{"a", "NA", "", "-9", " b"}));
+  EXPECT_EQ(column.facts.longestValue, 2U);
+  EXPECT_EQ(column.facts.blankCells, 1);
+}
+
+TEST(DeclaredColumn, countsCellsThatDoNotRead) {
+  const TypedColumn column = Read(Plan(FieldType::Integer), {"1", "4O", "x", "2", "y", "z"});
+  EXPECT_THAT(Numbers(column), AreSame(Values{1, kNaN, kNaN, 2, kNaN, kNaN}));
+  EXPECT_EQ(column.facts.unreadableCells, 4);
+  ASSERT_EQ(column.facts.unreadable.size(), ColumnFacts::kCellsKept);
+  EXPECT_EQ(column.facts.unreadable[0].text, "4O");
+  EXPECT_EQ(column.facts.unreadable[0].row, 2);
+  EXPECT_EQ(column.facts.unreadable[0].line, 3);
+}
+
+TEST(DeclaredColumn, doesNotReadAnEmptyCellThatIsNoMissingEntry) {
+  const TypedColumn column = Read(Plan(FieldType::Number, {"-9"}), {"1", "", "-9"});
+  EXPECT_EQ(column.facts.unreadableCells, 1);
+  EXPECT_EQ(column.facts.blankCells, 1);
+}
+
+TEST(DeclaredColumn, findsMissingEntriesBetweenBlanks) {
+  const TypedColumn column = Read(Plan(FieldType::Number, {"", "NA"}), {" NA ", "   ", " 1.5 "});
+  EXPECT_THAT(Numbers(column), AreSame(Values{kNaN, kNaN, 1.5}));
+  EXPECT_EQ(column.facts.unreadableCells, 0);
+  EXPECT_EQ(column.facts.decimals, 1);
+}
+
+TEST(DeclaredColumn, countsWholeNumbersThatHadToBeRounded) {
+  const TypedColumn column =
+      Read(Plan(FieldType::Integer), {"9007199254740993", " 9007199254740993", "9007199254740992"});
+  EXPECT_EQ(column.facts.roundedCells, 2);
+}
+
+TEST(DeclaredColumn, refusesAPatternThatCannotBeUsed) {
+  ColumnPlan plan = Plan(FieldType::Date);
+  plan.dialect.format = "%Q";
+  try {
+    MakeColumnTyper(plan, "v", 16);
+    FAIL();
+  } catch (const DataError& error) {
+    EXPECT_THAT(error.what(), HasSubstr("x.schema.json: field \"v\": the format \"%Q\" cannot be used"));
+  }
+}
+
+struct Inference {
+  std::vector<std::string> cells;
+  FieldType type;
+};
+
+TEST(InferredColumn, takesTheTypeThatAllCellsHave) {
+  const Inference cases[] = {
+      {{"1", "2", "3", "4"}, FieldType::Integer},
+      {{"1", "", "", "2.5", "3"}, FieldType::Number},
+      {{"1.5", "2", "3"}, FieldType::Number},
+      {{"1", "2", "3", "4", "1e5"}, FieldType::Number},
+      {{"1", "2", "3", "4", "NA"}, FieldType::String},
+      {{"1", "2", "3", "007"}, FieldType::String},
+      {{"007", "1"}, FieldType::String},
+      {{"1.5", "2", "3", "9007199254740993"}, FieldType::String},
+      {{"true", "FALSE", "", "true"}, FieldType::Boolean},
+      {{"true", "false", "", "1"}, FieldType::String},
+      {{"2024-01-01", "", "2024-02-01"}, FieldType::Date},
+      {{"2024-01-01", "2", "3", "2024-01-01 10:00:00"}, FieldType::String},
+      {{"2024-01-01T10:00:00", "2024-01-01 10:00:00"}, FieldType::DateTime},
+      {{"10:00:00", "11:00:00"}, FieldType::Time},
+      {{" 1", "2 "}, FieldType::Integer},
+      {{"", "", "", "", "x"}, FieldType::String},
+      {{"", "  ", ""}, FieldType::String},
+      {{}, FieldType::String},
+  };
+  for (const Inference& inference : cases) {
+    for (const std::size_t blockRows : {1U, 2U, 100U}) {
+      const TypedColumn column = Read(Plan(FieldType::Inferred), inference.cells, blockRows);
+      EXPECT_EQ(column.facts.type, inference.type) << testing::PrintToString(inference.cells) << blockRows;
+      EXPECT_TRUE(column.facts.inferred);
+      EXPECT_EQ(column.facts.rows, static_cast<std::int64_t>(inference.cells.size()));
+      EXPECT_EQ(column.column.rows(), static_cast<std::int64_t>(inference.cells.size()));
+      EXPECT_EQ(column.column.isString(), inference.type == FieldType::String);
+    }
+  }
+}
+
+TEST(InferredColumn, keepsEveryTextWhenItTurnsOutToBeAString) {
+  const std::vector<std::string> cells = {"1", "007", "", "2.50", "NA"};
+  for (const std::size_t blockRows : {1U, 2U, 3U, 100U}) {
+    const TypedColumn column = Read(Plan(FieldType::Inferred), cells, blockRows);
+    EXPECT_EQ(Texts(column), cells);
+    EXPECT_EQ(column.facts.blankCells, 1);
+    EXPECT_EQ(column.facts.longestValue, 4U);
+  }
+}
+
+TEST(InferredColumn, isNotDecidedByMissingEntries) {
+  const ColumnPlan plan = Plan(FieldType::Inferred, {"", "NA", "-9", "1900-01-01"});
+  for (const std::size_t blockRows : {1U, 2U, 100U}) {
+    const TypedColumn numbers = Read(plan, {"NA", "-9", "2.5", "NA", "1"}, blockRows);
+    EXPECT_EQ(numbers.facts.type, FieldType::Number);
+    EXPECT_THAT(Numbers(numbers), AreSame(Values{kNaN, -9, 2.5, kNaN, 1}));
+    const TypedColumn dates = Read(plan, {"1900-01-01", "1970-01-02", "-9", "1900-01-01"}, blockRows);
+    EXPECT_EQ(dates.facts.type, FieldType::Date);
+    EXPECT_THAT(Numbers(dates), AreSame(Values{kNaN, 86'400, -9, kNaN}));
+    const TypedColumn texts = Read(plan, {"NA", "-9", "x"}, blockRows);
+    EXPECT_EQ(Texts(texts), (std::vector<std::string>{"NA", "-9", "x"}));
+  }
+}
+
+TEST(InferredColumn, ofNothingButMissingCodesIsNumeric) {
+  const TypedColumn codes = Read(Plan(FieldType::Inferred, {"", "-9"}), {"-9", "", "-9"});
+  EXPECT_EQ(codes.facts.type, FieldType::Integer);
+  EXPECT_THAT(Numbers(codes), AreSame(Values{-9, kNaN, -9}));
+  const TypedColumn words = Read(Plan(FieldType::Inferred, {"", "NA", "-9"}), {"NA", "", "-9"});
+  EXPECT_EQ(words.facts.type, FieldType::String);
+  EXPECT_EQ(Texts(words), (std::vector<std::string>{"NA", "", "-9"}));
+}
+
+TEST(UnreadableCells, areReportedOnceAColumn) {
+  ColumnPlan plan = Plan(FieldType::Integer);
+  const TypedColumn one = Read(plan, {"1", "4O", "2"});
+  const TypedColumn many = Read(plan, {"a\x1b[31m\n", "b", "c", "d"});
+  const TypedColumn none = Read(plan, {"1"});
+  std::vector<Note> notes;
+  ReportUnreadableCells("x.csv", {&one.facts, &many.facts, &none.facts}, false, notes);
+  ASSERT_EQ(notes.size(), 2U);
+  EXPECT_EQ(notes[0].text,
+            "x.csv:3: column \"v\", row 2: \"4O\" does not read as an integer; the cell is system-missing");
+  EXPECT_EQ(
+      notes[1].text,
+      "x.csv:2: column \"v\", row 1: \"a\\u001b[31m\\n\" does not read as an integer; it is one of 4 such cells of "
+      "the column, all system-missing");
+}
+
+TEST(UnreadableCells, areAnErrorWhenStrictTheFirstOfTheFileGoingFirst) {
+  const TypedColumn later = Read(Plan(FieldType::Integer), {"1", "x"});
+  const TypedColumn earlier = Read(Plan(FieldType::Date), {"y", "z"});
+  std::vector<Note> notes;
+  try {
+    ReportUnreadableCells("x.csv", {&later.facts, &earlier.facts}, true, notes);
+    FAIL();
+  } catch (const DataError& error) {
+    EXPECT_STREQ(error.what(), "x.csv:2: column \"v\", row 1: \"y\" does not read as a date");
+  }
+}
+
+}  // namespace
+}  // namespace runtime::data
