@@ -18,6 +18,7 @@ ROLES = {"input": 0, "target": 1, "both": 2, "none": 3, "partition": 4, "split":
 RESERVED_WORDS = "ALL AND BY EQ GE GT LE LT NE NOT OR TO WITH".split()
 PACKAGE_ATTRIBUTES = ["name", "version", "created", "keywords", "homepage", "id"]
 SYSTEM_MISSING = None
+WIDEST_NUMBER = 40  # of a format that the dictionary does not give
 
 
 def same_name(a, b):
@@ -196,12 +197,12 @@ def default_format(kind, width, cells):
     if kind == "string":
         return Format("A", width, 0)
     if kind in ("integer", "year"):
-        return Format("F", digits_needed(cells), 0)
+        return Format("F", min(digits_needed(cells), WIDEST_NUMBER), 0)
     if kind == "number":
         plain = [format(Decimal(c), "f") for c in cells]
         decimals = min(max([len(c.partition(".")[2]) for c in plain] + [0]), 16)
         whole = max([len(c.partition(".")[0]) for c in plain] + [1])
-        return Format("F", whole + (decimals + 1 if decimals else 0), decimals)
+        return Format("F", min(whole + (decimals + 1 if decimals else 0), WIDEST_NUMBER), decimals)
     return {"boolean": Format("F", 1, 0), "date": Format("SDATE", 10, 0), "datetime": Format("YMDHMS", 19, 0),
             "time": Format("TIME", 8, 0)}[kind]
 
@@ -247,7 +248,7 @@ def read_variable(field, schema, cells):
     variable.labels = value_labels(field, kind, missing)
     if kind == "string":
         # Nothing is cut: neither a cell nor a value that has a label.
-        longest = max([len(text.encode()) for text in cells + [value for value, _ in variable.labels]] + [1])
+        longest = max([len(text.encode()) for text in variable.values + [value for value, _ in variable.labels]] + [1])
         variable.width = max(longest, field.get("constraints", {}).get("maxLength", 1))
     variable.format = parse_format(own["format"]) if "format" in own else default_format(kind, variable.width, shown_cells)
     variable.level = measurement_level(field, kind, variable.values)
@@ -292,7 +293,8 @@ def read_dataset(data_path, dictionary_path, weight=None):
     dataset = Dataset()
     dataset.path = os.path.abspath(data_path)
     dataset.case_count = len(records)
-    for field in schema["fields"]:
+    # The variables stand in the order of the columns.
+    for field in sorted(schema["fields"], key=lambda f: header.index(f["name"])):
         column = header.index(field["name"])
         dataset.variables.append(read_variable(field, schema, [record[column] for record in records]))
     weight_name = own.get("weight", "") if weight is None else weight

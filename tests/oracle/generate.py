@@ -64,6 +64,8 @@ class DatasetMaker:
         self.numbers = numbers
         self.row_count = 0 if numbers.random() < 0.04 else numbers.choice([1, 2, 5, numbers.randrange(61),
                                                                            numbers.randrange(61)])
+        if numbers.random() < 0.03:
+            self.row_count = numbers.choice([199, 200, 201, 202, 260])
         self.fields = []
         self.columns = []
         names = numbers.sample(NAMES, numbers.randrange(1, 13))
@@ -142,16 +144,19 @@ class DatasetMaker:
         numbers = self.numbers
         if kind == "integer":
             domain = numbers.choice([[1, 2], [1, 2, 3, 9], list(range(11)), list(range(-3, 4)), list(range(40)),
-                                     [numbers.randrange(-1000, 1000) for _ in range(60)], [10**12, 10**15 + 1, 7]])
+                                     [numbers.randrange(-1000, 1000) for _ in range(60)], [10**12, 10**15 + 1, 7],
+                                     list(range(numbers.choice([199, 200, 201, 230])))])
             domain = [str(v) for v in domain]
         elif kind == "number":
             domain = numbers.choice([["0.1", "0.2", "0.3"], ["1", "2", "3.5", "2.50"], ["-1.25", "0.5", "1e3", "1.5e-3"],
                                      [str(round(numbers.gauss(10, 25), numbers.randrange(1, 6))) for _ in range(50)],
                                      [repr(numbers.random()) for _ in range(50)], ["1", "2", "3"],
-                                     ["NaN", "1.5", "INF", "2"], ["1000000.1", "1000000.2", "1000000.4"]])
+                                     ["NaN", "1.5", "INF", "2"], ["1000000.1", "1000000.2", "1000000.4"],
+                                     ["1e150", "-2.5e149", "1", "3"], ["1e-150", "3e-151", "0"],
+                                     ["9007199254740993", "0.1", "-9007199254740993"]])
         elif kind == "string":
             domain = numbers.choice([["m", "f"], WORDS, ["A", "a", "B", "b"], [f"code{k}" for k in range(30)],
-                                     ["1", "2", "9"], ["abcdefgh", "abcdefghij", "abc"]])
+                                     ["1", "2", "9"], ["abcdefgh", "abcdefghij", "abc"], ["m", "m ", "f", "x  "]])
         elif kind == "boolean":
             domain = numbers.choice([["true", "false"], ["1", "0"], ["TRUE", "False"], ["true"]])
         elif kind == "year":
@@ -222,7 +227,7 @@ class DatasetMaker:
             name = "wt"
             domain = numbers.choice([["1", "2", "3"], ["0.5", "1.5", "1"], ["0.1", "0.2", "0.7"], ["0", "-1", "2", ""],
                                      ["0"], ["0.25", "", "1"], [repr(numbers.random() * 3) for _ in range(20)],
-                                     ["1e-3", "1", "100"]])
+                                     ["1e-3", "1", "100"], ["1e20", "1"], ["1e-20", "1"], ["0.3333333333333333", "0.6666666666666666"]])
             self.fields.append({"name": name, "type": "number"})
             self.columns.append([numbers.choice(domain) for _ in range(self.row_count)])
         if name is not None:
@@ -262,8 +267,10 @@ class DatasetMaker:
         text = io.StringIO()
         writer = csv.writer(text, lineterminator=numbers.choice(["\n", "\r\n"]),
                             quoting=numbers.choice([csv.QUOTE_MINIMAL, csv.QUOTE_ALL]))
-        writer.writerow([field["name"] for field in self.fields])
-        writer.writerows(zip(*self.columns))
+        columns = [[field["name"]] + cells for field, cells in zip(self.fields, self.columns)]
+        if self.chance(0.15):
+            numbers.shuffle(columns)
+        writer.writerows(zip(*columns))
         if self.chance(0.5):
             return {"data.csv": text.getvalue(), "data.schema.json": pretty(self.schema)}, "data.schema.json"
         resource = {"name": "data", "path": "data.csv", "schema": self.schema}
@@ -346,7 +353,8 @@ class CommandMaker:
         numbers = self.numbers
         names = self.dataset.names()
         if not names or (wild and self.chance(0.12)):
-            return numbers.choice(["nosuch", "12", "x.", "with", "a-b", "#", "_u", "'a'", "q$", "-5", "été2"])
+            return numbers.choice(["nosuch", "12", "x.", "with", "a-b", "#", "_u", "'a'", "q$", "-5", "été2", "'ALL'", "'['", "'$ALL'",
+                                   "'a b'"])
         name = numbers.choice(names)
         return f"'{name}'" if self.chance(0.04) else self.cased(name)
 
