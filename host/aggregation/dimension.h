@@ -13,8 +13,8 @@
 class HOST_API TableDimension {
  public:
   virtual ~TableDimension();
-  /// Number of distinct values met in the cases added so far that have positive weight (of a set: values or members met;
-  /// with a category list: listed values met). Meant to be asked for every case.
+  /// Number of distinct values met in the cases added so far that have positive weight (of a set: values or members
+  /// met; with a category list: listed values met). Meant to be asked for every case.
   virtual int GetNumberOfValues() const = 0;
   /// The categories in their order, the total category last. Pointers stay valid while the table lives. REQUIRES: the
   /// table's GetCubeAggregators was called.
@@ -94,16 +94,16 @@ class HOST_API AggregationMCSet : public AggregationVariable {
 /// A dimension over a multiple dichotomy set that counts one value.
 class HOST_API AggregationMDSet : public AggregationVariable {
  public:
-  /// The counted value is copied. When the first member's print format is A, it is text of `width` units of 8 bytes,
-  /// blank-padded; otherwise it is a double and `width` is 8. `countedValue` may be null only for a set without members.
-  AggregationMDSet(const std::vector<int>& members, const std::string& name, const OBS* countedValue, int width,
-                   bool);
+  /// The counted value is read once, by the cube's CreateCubeAggregator, and may be gone afterwards. When the first
+  /// member's print format is A, it is text of `width` units of 8 bytes, blank-padded; otherwise it is a double and
+  /// `width` is 8. `countedValue` may be null only for a set without members.
+  AggregationMDSet(const std::vector<int>& members, const std::string& name, const OBS* countedValue, int width, bool);
   ~AggregationMDSet() override;
 
   const OBS* countedValue() const { return fCountedValue; }
   int countedValueWidth() const { return fWidth; }
 
  private:
-  const OBS* fCountedValue;  // not owned: the descriptor of the item keeps it for as long as the tables live
+  const OBS* fCountedValue;  // not owned
   int fWidth;
 };

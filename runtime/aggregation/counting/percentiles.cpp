@@ -55,11 +55,12 @@ class Selection {
     fCumulative.push_back(0);
     for (const auto& [value, weight] : values.counted)
       fCumulative.push_back(fCumulative.back() + (weight.InUnits() << (shift - weight.shift)));
+    NarrowWeights();
   }
 
-  /// REQUIRES: targets in rising order, each below the sum of all weights.
-  void Run(std::span<Target> targets) {
-    Select({0, fValues.values.size(), 0, fValues.counted.size(), 0, std::nullopt}, targets);
+  /// REQUIRES: targets in rising order, each below `total`, the sum of all weights.
+  void Run(std::span<Target> targets, UInt128 total) {
+    Select({0, fValues.values.size(), 0, fValues.counted.size(), 0, total, std::nullopt}, targets);
   }
 
  private:
@@ -68,33 +69,63 @@ class Selection {
     std::size_t begin, end;
     std::size_t first, last;
     UInt128 below;                // weight of all smaller values
+    UInt128 upTo;                 // the same with the range's own
     std::optional<double> lower;  // the largest smaller value
   };
 
   UInt128 WeightAt(std::size_t i) const {
+    if (!fNarrow.empty()) return fNarrow[i];
     return fValues.weights.empty() ? fUnit : InUnitsOf<UInt128>(fValues.weights[i], fShift);
   }
+  void NarrowWeights();
 
   void Select(Range range, std::span<Target> targets);
   void WalkSmall(const Range& range, std::span<Target> targets);
   double Pivot(const Range& range, UInt128 threshold);
   /// Brings the values for which `isWanted` holds to the front of [begin, end); gives their end and adds their weight.
+  template <class Wanted, class Weight>
+  std::size_t PartWeighted(std::size_t begin, std::size_t end, Wanted isWanted, Weight* weights);
   template <class Wanted>
   std::size_t Part(std::size_t begin, std::size_t end, Wanted isWanted, UInt128& weight);
 
   WeightedValues& fValues;
   int fShift;
   UInt128 fUnit;
-  std::vector<UInt128> fCumulative;  // of the counted values: weight of the first i
+  std::vector<std::uint64_t> fNarrow;  // the weights in units, in place of the doubles, where 64 bits hold them all
+  std::vector<UInt128> fCumulative;    // of the counted values: weight of the first i
   std::uint64_t fRandom = 0x2545F4914F6CDD1Du;
 };
+
+void Selection::NarrowWeights() {
+  std::vector<double>& weights = fValues.weights;
+  if (weights.empty() || *std::max_element(weights.begin(), weights.end()) >= std::ldexp(1.0, 64 - fShift)) return;
+  fNarrow.reserve(weights.size());
+  for (const double weight : weights) fNarrow.push_back(InUnitsOf<std::uint64_t>(weight, fShift));
+  std::vector<double>().swap(weights);
+}
+
+template <class Wanted, class Weight>
+std::size_t Selection::PartWeighted(std::size_t begin, std::size_t end, Wanted isWanted, Weight* weights) {
+  double* values = fValues.values.data();
+  std::size_t kept = begin;
+  for (std::size_t i = begin; i < end; ++i) {
+    const double value = values[i];
+    const Weight itsWeight = weights[i];
+    values[i] = values[kept];
+    weights[i] = weights[kept];
+    values[kept] = value;
+    weights[kept] = itsWeight;
+    kept += isWanted(value) ? std::size_t{1} : std::size_t{0};
+  }
+  return kept;
+}
 
 template <class Wanted>
 std::size_t Selection::Part(std::size_t begin, std::size_t end, Wanted isWanted, UInt128& weight) {
   double* values = fValues.values.data();
   std::size_t kept = begin;
   // Each value is swapped to the boundary and the boundary moves or not: no branch to mispredict.
-  if (fValues.weights.empty()) {
+  if (fValues.weights.empty() && fNarrow.empty()) {
     for (std::size_t i = begin; i < end; ++i) {
       const double value = values[i];
       values[i] = values[kept];
@@ -104,16 +135,12 @@ std::size_t Selection::Part(std::size_t begin, std::size_t end, Wanted isWanted,
     weight += UInt128{kept - begin} << fShift;
     return kept;
   }
-  double* weights = fValues.weights.data();
-  for (std::size_t i = begin; i < end; ++i) {
-    const double value = values[i];
-    const double itsWeight = weights[i];
-    values[i] = values[kept];
-    weights[i] = weights[kept];
-    values[kept] = value;
-    weights[kept] = itsWeight;
-    kept += isWanted(value) ? std::size_t{1} : std::size_t{0};
+  if (!fNarrow.empty()) {
+    kept = PartWeighted(begin, end, isWanted, fNarrow.data());
+    for (std::size_t i = begin; i < kept; ++i) weight += fNarrow[i];
+    return kept;
   }
+  kept = PartWeighted(begin, end, isWanted, fValues.weights.data());
   for (std::size_t i = begin; i < kept; ++i) weight += WeightAt(i);
   return kept;
 }
@@ -130,10 +157,8 @@ double Selection::Pivot(const Range& range, UInt128 threshold) {
     sample[i] = fValues.values[range.begin + fRandom % count];
   }
   const double wanted = static_cast<double>(threshold - range.below);
-  const double plain = static_cast<double>(count) * static_cast<double>(fUnit);
-  const double whole = plain + static_cast<double>(fCumulative[range.last] - fCumulative[range.first]);
-  const double share = std::clamp(wanted / whole, 0.0, 1.0);
-  // With weights or counted values the place is only a guess, which is enough for a pivot.
+  // The place is only a guess, which is enough for a pivot.
+  const double share = std::clamp(wanted / static_cast<double>(range.upTo - range.below), 0.0, 1.0);
   double* nth = sample + static_cast<std::size_t>(share * static_cast<double>(sampleSize - 1) + 0.5);
   std::nth_element(sample, nth, sample + sampleSize);
   return *nth;
@@ -209,8 +234,8 @@ void Selection::Select(Range range, std::span<Target> targets) {
       }
       for (std::size_t i = inLess; i < inEqual; ++i) targets[i].around = {lower, pivot, lessEnd, equalEnd - lessEnd};
     }
-    Select({range.begin, less, range.first, countedLess, range.below, range.lower}, targets.first(inLess));
-    range = {equal, range.end, countedEqual, range.last, equalEnd, pivot};
+    Select({range.begin, less, range.first, countedLess, range.below, lessEnd, range.lower}, targets.first(inLess));
+    range = {equal, range.end, countedEqual, range.last, equalEnd, range.upTo, pivot};
     targets = targets.subspan(inEqual);
   }
 }
@@ -278,7 +303,7 @@ std::vector<double> Percentiles(WeightedValues& values, const WeightTotal& total
 
   std::vector<Selection::Target> targets;
   for (const std::size_t i : inside) targets.push_back({hundredfold[i].FloorInUnits(total.shift, 100), {}});
-  Selection(values, total.shift).Run(targets);
+  Selection(values, total.shift).Run(targets, total.InUnits());
   for (std::size_t i = 0; i < targets.size(); ++i) {
     const Neighbours<UInt128>& around = targets[i].around;
     const Neighbours<Dyadic> exact{around.lower, around.upper, Dyadic(around.below, -total.shift),

@@ -21,7 +21,8 @@ struct WeightedValues {
 ///   x_{i+1} when d >= 1, else (1 - f) x_i + f x_{i+1} with f = d when w_{i+1} >= 1 and f = d / w_{i+1} otherwise.
 /// With whole weights it is the average of the two order statistics around (n + 1) p (definition 6 of Hyndman and Fan,
 /// "Sample Quantiles in Statistical Packages", The American Statistician 50 (1996), 361-365). Comparisons are exact,
-/// the result is rounded once. System-missing when there is no value. `total` is W. The values may be reordered.
+/// the result is rounded once. System-missing when there is no value. `total` is W. The values may be reordered, the
+/// weights be gone afterwards.
 std::vector<double> Percentiles(WeightedValues& values, const WeightTotal& total, const std::vector<double>& cutPoints);
 
 }  // namespace runtime::aggregation
