@@ -112,8 +112,6 @@ class DatasetMaker:
             field["missingValues"] = missing
         blank_rate = numbers.choice([0, 0, 0.1, 0.5]) if self.chance(0.95) else 1
         codes = [m["value"] if isinstance(m, dict) else m for m in missing or [""]]
-        if kind not in ("integer", "number", "string"):
-            codes = [c for c in codes if c in ("", "NA")] or [""]
         for row in range(self.row_count):
             if numbers.random() < blank_rate:
                 cells[row] = numbers.choice(codes + [""])
