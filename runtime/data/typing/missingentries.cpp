@@ -1,5 +1,7 @@
 #include "runtime/data/typing/missingentries.h"
 
+#include <cmath>
+
 #include "runtime/data/dictionary/fieldvalue.h"
 #include "runtime/data/typing/numbertext.h"
 #include "runtime/data/typing/valuereader.h"
@@ -28,7 +30,9 @@ const MissingEntries::Entry* MissingEntries::Find(std::string_view cell) const {
 bool MissingEntries::MustComeFirst(const ValueReader& reader) const {
   for (const Entry& entry : fEntries) {
     NumberReading reading;
-    if (reader.Read(entry.text, reading) && !(entry.code && *entry.code == reading.value)) return true;
+    if (!reader.Read(entry.text, reading)) continue;
+    const bool isSame = entry.code ? *entry.code == reading.value : std::isnan(reading.value);
+    if (!isSame) return true;
   }
   return false;
 }
