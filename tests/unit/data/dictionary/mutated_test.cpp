@@ -63,7 +63,7 @@ TEST(DamagedDescriptor, isReadOrRefusedWhateverBytesChange) {
   std::mt19937 random(20260211);
   const std::string bytes = "{}[]\",:0-9e.\\nulltrue \t\x80\xFF$";
   int taken = 0;
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 800; ++round) {
     std::string text = Original();
     for (std::size_t changes = 1 + random() % 4; changes > 0; --changes) {
       const std::size_t at = random() % text.size();
@@ -85,8 +85,8 @@ TEST(DamagedDescriptor, isReadOrRefusedWhateverBytesChange) {
     }
     taken += Taken(text, folder) ? 1 : 0;
   }
-  EXPECT_GT(taken, 10);
-  EXPECT_LT(taken, 2990);
+  EXPECT_GT(taken, 5);
+  EXPECT_LT(taken, 790);
 }
 
 /// Another value in place of one somewhere in the tree.
@@ -108,13 +108,13 @@ TEST(DamagedDescriptor, isReadOrRefusedWhateverValuesChange) {
   std::mt19937 random(20260212);
   const Json original = Json::parse(Original());
   int taken = 0;
-  for (int round = 0; round < 5000; ++round) {
+  for (int round = 0; round < 1500; ++round) {
     Json tree = original;
     for (std::size_t changes = 1 + random() % 3; changes > 0; --changes) ReplaceSomewhere(tree, random);
     taken += Taken(tree.dump(), folder) ? 1 : 0;
   }
   EXPECT_GT(taken, 100);
-  EXPECT_LT(taken, 4900);
+  EXPECT_LT(taken, 1450);
 }
 
 }  // namespace
