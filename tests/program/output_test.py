@@ -1,0 +1,204 @@
+"""Output that cannot be written is status 4 and never 0; a report's file appears only when it is whole."""
+
+import json
+import os
+import shutil
+import signal
+import stat
+import subprocess
+import tempfile
+import time
+import unittest
+
+from program import LITTLE, NOBODY, PROGRAM, ProgramTest
+
+AS_ROOT = os.geteuid() == 0
+
+
+class Output(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.write("data.csv", "a,b\n1,x\n2,y\n")
+        self.write("big.csv", "\n".join([",".join(f"v{i}" for i in range(600))] + [",".join("1" * 600)] * 3))
+        os.mkdir(self.path("out"))
+
+    def assert_not_written(self, result, *words):
+        self.assert_status(result, 4)
+        self.assert_says(result, "codebook: error: ", *words)
+
+    def assert_folder_holds(self, *names):
+        self.assertEqual(sorted(os.listdir(self.path("out"))), sorted(names))
+
+    def test_standardOutputClosed(self):
+        for format_ in ("text", "json"):
+            self.assert_not_written(self.run_shell(f'"$program" data.csv -F {format_} >&-'), "standard output")
+
+    def test_standardOutputClosedForHelpAndVersion(self):
+        for option in ("--help", "--version"):
+            self.assert_status(self.run_shell(f'"$program" {option} >&-'), 4)
+
+    def test_closedStandardOutputIsNotTakenByAFile(self):
+        before = self.read("data.csv")
+        self.run_shell('"$program" data.csv <&- >&- 2>&-')
+        self.assertEqual(self.read("data.csv"), before)
+
+    def test_allStandardStreamsClosed(self):
+        self.assert_status(self.run_shell('"$program" data.csv <&- >&- 2>&-'), 4)
+
+    def test_deviceFull(self):
+        for name in ("data.csv", "big.csv"):
+            self.assert_not_written(self.run_shell(f'"$program" {name} >/dev/full'), "standard output", "No space left")
+            self.assert_not_written(self.run_program(name, "-F", "json", "-o", "/dev/full"), "/dev/full", "No space left")
+
+    def test_standardErrorFullHarmsNothing(self):
+        result = self.run_shell('"$program" data.csv -F json -c "CODEBOOK /STATISTICS NONE /FILEINFO." 2>/dev/full')
+        self.assert_status(result, 0)
+        self.assertEqual(json.loads(result.out)["format"], "codebook-report/1")
+
+    def test_pipeClosedByItsReader(self):
+        with subprocess.Popen([PROGRAM, "big.csv"], stdout=subprocess.PIPE, stderr=subprocess.PIPE, cwd=self.folder) as run:
+            run.stdout.close()
+            err = run.stderr.read()
+            self.assertEqual(run.wait(), 4, err)
+            self.assertIn(b"Broken pipe", err)
+
+    def test_folderThatIsNotThere(self):
+        self.assert_not_written(self.run_program("data.csv", "-o", "nosuch/report.json"), "nosuch/report.json", "No such file")
+
+    def test_outputThatIsADirectory(self):
+        self.assert_not_written(self.run_program("data.csv", "-F", "json", "-o", "out"), "out", "directory")
+        self.assert_folder_holds()
+
+    def as_nobody(self, *arguments):
+        """As a user whom permissions bind."""
+        for path in (self.folder, self.path("out")):
+            os.chmod(path, os.stat(path).st_mode | stat.S_IXOTH | stat.S_IROTH)
+        command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"] if AS_ROOT else []
+        if AS_ROOT and not shutil.which("setpriv"):
+            self.skipTest("run as root without setpriv: permissions bind nobody")
+        done = subprocess.run([*command, PROGRAM, *arguments], capture_output=True, cwd=self.folder, check=False, env=self.environment())
+        if AS_ROOT and b"setpriv" in done.stderr or done.returncode in (126, 127):
+            self.skipTest(f"the program cannot be run as another user here: {done.stderr.decode()}")
+        return done
+
+    def test_fileThatMayNotBeWritten(self):
+        self.write("out/report.json", "older")
+        os.chmod(self.path("out/report.json"), 0o444)
+        os.chmod(self.path("out"), 0o777)
+        done = self.as_nobody("data.csv", "-o", "out/report.json")
+        self.assertEqual(done.returncode, 4, done)
+        self.assertIn(b"out/report.json cannot be written: Permission denied", done.stderr)
+        self.assertEqual(self.read("out/report.json"), b"older")
+        self.assert_folder_holds("report.json")
+
+    def test_folderThatMayNotBeWritten(self):
+        os.chmod(self.path("out"), 0o555)
+        done = self.as_nobody("data.csv", "-o", "out/report.json")
+        self.assertEqual(done.returncode, 4, done)
+        self.assertIn(b"out/report.json cannot be written: Permission denied", done.stderr)
+        self.assert_folder_holds()
+
+    def test_diskFullLeavesTheOlderFileAndNoPart(self):
+        if not AS_ROOT:
+            self.skipTest("a small file system can be made by root only")
+        disk = tempfile.mkdtemp(prefix="disk.")
+        self.addCleanup(os.rmdir, disk)
+        made = subprocess.run(["mount", "-t", "tmpfs", "-o", "size=16k", "tmpfs", disk], capture_output=True, check=False)
+        if made.returncode != 0:
+            self.skipTest(f"no file system can be mounted here: {made.stderr.decode()}")
+        self.addCleanup(subprocess.run, ["umount", disk], check=True)
+        target = os.path.join(disk, "report.json")
+        with open(target, "w", encoding="utf-8") as file:
+            file.write("older")
+        self.assert_not_written(self.run_program("big.csv", "-o", target), target, "No space left")
+        self.assertEqual(os.listdir(disk), ["report.json"])
+        with open(target, encoding="utf-8") as file:
+            self.assertEqual(file.read(), "older")
+
+    def test_olderFileIsReplacedWholeAndKeepsItsPermissions(self):
+        self.write("out/report.json", "older " * 100000)
+        os.chmod(self.path("out/report.json"), 0o640)
+        self.assert_done(self.run_program("data.csv", "-o", "out/report.json"))
+        json.loads(self.read("out/report.json"))
+        self.assertEqual(stat.S_IMODE(os.stat(self.path("out/report.json")).st_mode), 0o640)
+        self.assert_folder_holds("report.json")
+
+    def test_newFileHasTheUsualPermissions(self):
+        self.assert_done(self.run_shell('umask 027; exec "$program" data.csv -o out/report.json'))
+        self.assertEqual(stat.S_IMODE(os.stat(self.path("out/report.json")).st_mode), 0o640)
+
+    def test_linkStaysAndItsTargetIsReplaced(self):
+        self.write("out/target.json", "older")
+        os.symlink("target.json", self.path("out/report.json"))
+        self.assert_done(self.run_program("data.csv", "-o", "out/report.json"))
+        self.assertTrue(os.path.islink(self.path("out/report.json")))
+        json.loads(self.read("out/target.json"))
+        self.assert_folder_holds("report.json", "target.json")
+
+    def test_unreadableDataLeavesTheOlderFile(self):
+        self.write("out/report.json", "older")
+        self.assert_status(self.run_program("nosuch.csv", "-o", "out/report.json"), 3)
+        self.assertEqual(self.read("out/report.json"), b"older")
+        self.assert_folder_holds("report.json")
+
+    def test_messagesAreToldThoughTheReportIsLost(self):
+        self.assert_not_written(self.run_shell('"$program" data.csv -c "CODEBOOK /STATISTICS NONE /FILEINFO." >/dev/full'), "< FILEINFO >")
+
+    def test_reportMayGoToAPipeWithAName(self):
+        os.mkfifo(self.path("pipe.json"))
+        with subprocess.Popen([PROGRAM, "data.csv", "-c", LITTLE, "-o", "pipe.json"], cwd=self.folder) as run:
+            self.assertEqual(json.loads(self.read("pipe.json"))["format"], "codebook-report/1")
+            self.assertEqual(run.wait(), 0)
+        self.assertTrue(stat.S_ISFIFO(os.stat(self.path("pipe.json")).st_mode))
+
+
+class Interrupt(ProgramTest):
+    def interrupted(self, arguments, ready):
+        """Status and output of a run that was interrupted once `ready` returned; what it gave is closed afterwards."""
+        with subprocess.Popen([PROGRAM, *arguments], cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as run:
+            keep = ready(run)
+            run.send_signal(signal.SIGINT)
+            out, err = run.communicate(timeout=60)
+            if keep:
+                keep.close()
+            return run.returncode, out, err
+
+    def test_interruptWhileDataAreReadIs130AndLeavesTheOlderFile(self):
+        os.mkdir(self.path("out"))
+        self.write("out/report.json", "older")
+        os.mkfifo(self.path("data.csv"))
+
+        def write_some(_):
+            pipe = open(self.path("data.csv"), "wb", buffering=0)  # waits until the program has opened it
+            pipe.write(b"a,b\n1,2\n")
+            time.sleep(0.2)
+            return pipe
+
+        status, out, _ = self.interrupted(("data.csv", "-o", "out/report.json"), write_some)
+        self.assertEqual((status, out), (130, b""))
+        self.assertEqual(self.read("out/report.json"), b"older")
+        self.assertEqual(os.listdir(self.path("out")), ["report.json"])
+
+    def test_interruptWhileStandardInputIsReadIs130(self):
+        with subprocess.Popen([PROGRAM, "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as run:
+            run.stdin.write(b"a,b\n1,2\n")
+            run.stdin.flush()
+            time.sleep(0.5)
+            run.send_signal(signal.SIGINT)
+            self.assertEqual(run.wait(60), 130)
+            self.assertEqual(run.stdout.read(), b"")
+            run.stdin.close()
+
+    def test_interruptWhileTheReportIsWrittenIs130(self):
+        self.write("big.csv", "\n".join([",".join(f"v{i}" for i in range(2000))] + [",".join("1" * 2000)] * 3))
+
+        def first_bytes(run):
+            run.stdout.read(1)  # the report has begun, and nobody reads on: the program waits at the full pipe
+            time.sleep(0.2)
+
+        status, _, _ = self.interrupted(("big.csv", "-F", "json"), first_bytes)
+        self.assertEqual(status, 130)
+
+
+if __name__ == "__main__":
+    unittest.main()
