@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "described.h"
+#include "tests/unit/data/dictionary/described.h"
 
 namespace runtime::data {
 namespace {

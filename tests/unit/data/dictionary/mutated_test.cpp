@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "described.h"
+#include "tests/unit/data/dictionary/described.h"
 
 namespace runtime::data {
 namespace {

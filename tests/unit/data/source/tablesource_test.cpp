@@ -10,7 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "../dictionary/described.h"
+#include "tests/unit/data/dictionary/described.h"
 #ifdef CODEBOOK_HAVE_DUCKDB
 #include "runtime/data/source/duckdbsession.h"
 #include "runtime/data/source/duckdbtable.h"
