@@ -7,7 +7,7 @@ import stat
 import subprocess
 import unittest
 
-from program import LITTLE, NOBODY, PROGRAM, ProgramTest, Result
+from program import LITTLE, NOBODY, PROGRAM, WITH_DUCKDB, ProgramTest, Result
 
 COUNTS = "CODEBOOK /VARINFO LABEL /STATISTICS COUNT."
 
@@ -24,7 +24,7 @@ class Unreadable(ProgramTest):
         self.assert_refused(self.run_program("\x1b[31mred\x07.csv"), 3, "no such file")
 
     def test_emptyFile(self):
-        for name in ("empty.csv", "empty.tsv", "empty.jsonl", "empty.parquet"):
+        for name in ("empty.csv", "empty.tsv") + (("empty.jsonl", "empty.parquet") if WITH_DUCKDB else ()):
             self.write(name, b"")
             self.refused(name, "the file is empty")
 
@@ -55,10 +55,18 @@ class Unreadable(ProgramTest):
         self.write("image.csv", b"\x89PNG\r\n\x1a\n\x00\x00\x00\rIHDR\x00\x00\x00\x01\x00\x00\x00\x01\x08\x06\x00\x00\x00\x1f\x15\xc4\x89")
         self.refused("image.csv", "not a table of text")
 
+    @unittest.skipUnless(WITH_DUCKDB, "built without DuckDB")
     def test_damagedParquetFile(self):
         self.write("damaged.parquet", b"PAR1" + b"\x15\x04" * 100)
         self.refused("damaged.parquet")
 
+    @unittest.skipIf(WITH_DUCKDB, "built with DuckDB")
+    def test_parquetAndJsonLinesWithoutDuckDB(self):
+        for name in ("data.parquet", "data.jsonl"):
+            self.write(name, '{"a": 1}\n')
+            self.refused(name, "DuckDB")
+
+    @unittest.skipUnless(WITH_DUCKDB, "built without DuckDB")
     def test_textThatIsNoJsonLines(self):
         self.write("text.jsonl", '{"a": 1}\nno json\n')
         self.refused("text.jsonl", "line 2")

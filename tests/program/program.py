@@ -1,13 +1,17 @@
-"""Running the program as people run it. CODEBOOK_PROGRAM names it."""
+"""Running the program as people run it. CODEBOOK_PROGRAM names it, CODEBOOK_DUCKDB=0 says that it was built without DuckDB."""
 
 import os
 import re
 import shutil
 import subprocess
+import sys
 import tempfile
 import unittest
 
+if "CODEBOOK_PROGRAM" not in os.environ:
+    sys.exit("Say which program to try: CODEBOOK_PROGRAM=build/dev/codebook")
 PROGRAM = os.path.abspath(os.environ["CODEBOOK_PROGRAM"])
+WITH_DUCKDB = os.environ.get("CODEBOOK_DUCKDB", "1") == "1"  # 0: it was built without Parquet and JSON lines
 PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 SECONDS_A_RUN = 120
 NOBODY = 65534
