@@ -79,6 +79,15 @@ TEST(CategoryCollection, dollarNameOfNothingGivesZero) {
   EXPECT_EQ(descriptor.kind, kNoItem);
 }
 
+TEST(CategoryCollection, datasetWithoutSetsListsNone) {
+  DatasetBuilder builder = twoNumbers();
+  MAVO_DataSource source(builder.Build());
+  EXPECT_THAT(source.GetMRSets(), IsEmpty());
+  EXPECT_THAT(VariableSets(source, kMultipleResponseSets), IsEmpty());
+  CategoryDescriptor descriptor;
+  EXPECT_EQ(DescribeItemByName(descriptor, &source, "$any"), 0);
+}
+
 TEST(CategoryCollection, numericDichotomySetCountsTheNumberOfItsText) {
   DatasetBuilder builder = twoNumbers();
   builder.AddDichotomySet("$yes", {"one", "two"}, "1");

@@ -157,6 +157,16 @@ TEST(FileInformation, emptyAttributeValueShowsAsABlank) {
               ElementsAre("Custom Attributes > Note[1] |  ", "Custom Attributes > Note[2] | y"));
 }
 
+TEST(FileInformation, tenAttributeValuesAreNumberedWithTwoDigits) {
+  DatasetBuilder builder = threeCases();
+  builder.Attribute("n", {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}).Attribute("one", {"x"});
+  const std::vector<std::string> rows = fileRows(builder, "ATTRIBUTES");
+  ASSERT_EQ(rows.size(), 11U);
+  EXPECT_EQ(rows[0], "Custom Attributes > n[01] | a");
+  EXPECT_EQ(rows[9], "Custom Attributes > n[10] | j");
+  EXPECT_EQ(rows[10], "Custom Attributes > one | x");
+}
+
 TEST(FileInformation, hiddenAttributesStandInNeitherList) {
   DatasetBuilder builder = threeCases();
   builder.Attribute("@x", {"1"}).Attribute("$@x", {"2"}).Attribute("plain", {"3"}).Attribute("none", {});

@@ -160,6 +160,27 @@ TEST(Run, itemsBehindOneThatCannotBeDescribedAreListedWithoutStatistics) {
   EXPECT_THAT(rowsOfTable(2), ElementsAre("Standard Attributes > Label | <none>"));
 }
 
+TEST(Run, setThatCannotBeDescribedFailsTheInternalCheckWhereItsCategoriesAreWanted) {
+  newHost().dataset = survey();
+  host().tables.resize(1);
+  host().tables[0].wholeCell = Cell{{222, 2.0}, {198, 0.0}};
+  try {
+    runReport({{"w", 1}, {"$gone", 3}, {"v", 0}}, {1, 1, 2}, [](CodebookSettings& settings) {
+      settings.setStatisticsGiven(true);
+      settings.setStatistics(true, false, false, false, false);
+    });
+    FAIL() << "no check failed";
+  } catch (const InternalCheckFailure& failure) {
+    EXPECT_EQ(failure.condition(), "mdSetVarIndice.size() >0");
+    EXPECT_EQ(failure.source(), "backend/codebook/cbkoutput");
+  }
+  EXPECT_THAT(tableTitles(), ElementsAre("w", "$gone"));
+  // Everything was released on the way out.
+  EXPECT_THAT(host().life, ElementsAre("procedure", "data source", "messages", "iterator", "~iterator", "~messages",
+                                       "~data source", "~procedure"));
+  EXPECT_THAT(host().tables[0].requests, ::testing::Contains("~table"));
+}
+
 TEST(Run, numberOfCasesIsThatOfTheParent) {
   DatasetBuilder parentBuilder;
   parentBuilder.AddNumeric("v", {1, 2, 3, 4, 5});
