@@ -31,9 +31,8 @@ class GoldenCase:
         self.path = path
         self.name = os.path.basename(path)[: -len(ENDING)]
         self.sections = read_sections(path)
-        for one, other in (("data", "data-file"),):
-            if (one in self.sections) == (other in self.sections):
-                raise CaseError(f"{path}: give one of the sections {one} and {other}")
+        if ("data" in self.sections) == ("data-file" in self.sections):
+            raise CaseError(f"{path}: give one of the sections data and data-file")
         for name in ("about", "command"):
             if not self.sections.get(name, "").strip():
                 raise CaseError(f"{path}: section {name} is missing or empty")
@@ -111,4 +110,6 @@ def find_cases(folder, wanted):
         if unknown:
             raise CaseError(f"{folder} has no case {', '.join(sorted(unknown))}")
         paths = [path for path in paths if os.path.basename(path).removesuffix(ENDING) in names]
+    if not paths:
+        raise CaseError(f"{folder} holds no case (*{ENDING})")
     return [GoldenCase(path) for path in paths]

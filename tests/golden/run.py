@@ -106,6 +106,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--program", required=True, help="the program to try")
     parser.add_argument("--duckdb", help="libduckdb.so, when the program was built with it: adds JSON lines and Parquet")
+    parser.add_argument("--cases", default=os.path.dirname(os.path.abspath(__file__)), help="the folder of the cases (otherwise this one)")
     parser.add_argument("--quick", action="store_true", help="fewer combinations, for builds with sanitizers")
     parser.add_argument("--update", action="store_true", help="show what differs and write it into the case files")
     parser.add_argument("case", nargs="*", help="names of cases (otherwise all)")
@@ -114,7 +115,7 @@ def main():
         sys.exit("run.py: --update is refused where CI is set: expectations are changed by people who read them")
 
     try:
-        cases = find_cases(os.path.dirname(os.path.abspath(__file__)), arguments.case)
+        cases = find_cases(arguments.cases, arguments.case)
         runner = Runner(arguments.program, arguments.duckdb, arguments.quick)
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
             results = list(pool.map(lambda case: compare(runner, case, arguments.update), cases))
