@@ -155,7 +155,9 @@ TEST(CasePass, itemClearedAtSetUpTakesNoCase) {
   EXPECT_EQ(labelled.setUpAndPass(1), 6);  // two labels, one category allowed
   EXPECT_THAT(host().tables[0].takenRows, IsEmpty());
   EXPECT_THAT(host().tables[1].takenRows, ElementsAre(0, 1, 2, 3, 4, 5));
+}
 
+TEST(CasePass, itemWithoutCategoryStatisticsTakesNoCase) {
   newHost().dataset = rows(6);
   StatisticsRun uncounted({{"v"}}, {}, {222});
   EXPECT_EQ(uncounted.setUpAndPass(3), 1);  // the first case, which nobody took, is counted
