@@ -3,11 +3,9 @@
 import json
 import os
 import shutil
-import stat
-import subprocess
 import unittest
 
-from program import LITTLE, NOBODY, PROGRAM, WITH_DUCKDB, ProgramTest, Result
+from program import LITTLE, PROGRAM, WITH_DUCKDB, ProgramTest
 
 COUNTS = "CODEBOOK /VARINFO LABEL /STATISTICS COUNT."
 
@@ -75,29 +73,16 @@ class Unreadable(ProgramTest):
         self.write("quote.csv", 'a,b\n1,2\n3,"4\n5,6\n')
         self.refused("quote.csv", "quote.csv:3", "cell 2", "quote", "not closed")
 
-    def refused_as_nobody(self, name, *words):
-        """As a user whom permissions bind."""
-        os.chmod(self.folder, os.stat(self.folder).st_mode | stat.S_IXOTH | stat.S_IROTH)
-        command = [PROGRAM, name]
-        if os.geteuid() == 0:
-            if not shutil.which("setpriv"):
-                self.skipTest("run as root without setpriv: permissions bind nobody")
-            command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", *command]
-        done = subprocess.run(command, capture_output=True, cwd=self.folder, check=False)
-        if done.returncode in (126, 127):
-            self.skipTest(f"the program cannot be run as another user here: {done.stderr.decode()}")
-        self.assert_refused(Result(done.returncode, done.stdout, done.stderr), 3, name, *words)
-
     def test_fileThatMayNotBeRead(self):
         self.write("secret.csv", "a\n1\n")
         os.chmod(self.path("secret.csv"), 0)
-        self.refused_as_nobody("secret.csv", "Permission denied")
+        self.assert_refused(self.run_bound_by_permissions("secret.csv"), 3, "secret.csv", "Permission denied")
 
     def test_folderThatMayNotBeEntered(self):
         self.write("inner/data.csv", "a\n1\n")
         os.chmod(self.path("inner"), 0)
         self.addCleanup(os.chmod, self.path("inner"), 0o700)
-        self.refused_as_nobody("inner/data.csv")
+        self.assert_refused(self.run_bound_by_permissions("inner/data.csv"), 3, "inner/data.csv")
 
 
 class Told(ProgramTest):

@@ -10,7 +10,7 @@ import tempfile
 import time
 import unittest
 
-from program import LITTLE, NOBODY, PROGRAM, ProgramTest
+from program import LITTLE, PROGRAM, ProgramTest
 
 AS_ROOT = os.geteuid() == 0
 
@@ -69,33 +69,21 @@ class Output(ProgramTest):
         self.assert_not_written(self.run_program("data.csv", "-F", "json", "-o", "out"), "out", "directory")
         self.assert_folder_holds()
 
-    def as_nobody(self, *arguments):
-        """As a user whom permissions bind."""
-        for path in (self.folder, self.path("out")):
-            os.chmod(path, os.stat(path).st_mode | stat.S_IXOTH | stat.S_IROTH)
-        command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"] if AS_ROOT else []
-        if AS_ROOT and not shutil.which("setpriv"):
-            self.skipTest("run as root without setpriv: permissions bind nobody")
-        done = subprocess.run([*command, PROGRAM, *arguments], capture_output=True, cwd=self.folder, check=False, env=self.environment())
-        if AS_ROOT and b"setpriv" in done.stderr or done.returncode in (126, 127):
-            self.skipTest(f"the program cannot be run as another user here: {done.stderr.decode()}")
-        return done
-
     def test_fileThatMayNotBeWritten(self):
         self.write("out/report.json", "older")
         os.chmod(self.path("out/report.json"), 0o444)
         os.chmod(self.path("out"), 0o777)
-        done = self.as_nobody("data.csv", "-o", "out/report.json")
-        self.assertEqual(done.returncode, 4, done)
-        self.assertIn(b"out/report.json cannot be written: Permission denied", done.stderr)
+        done = self.run_bound_by_permissions("data.csv", "-o", "out/report.json")
+        self.assertEqual(done.status, 4, done)
+        self.assertIn(b"out/report.json cannot be written: Permission denied", done.err)
         self.assertEqual(self.read("out/report.json"), b"older")
         self.assert_folder_holds("report.json")
 
     def test_folderThatMayNotBeWritten(self):
         os.chmod(self.path("out"), 0o555)
-        done = self.as_nobody("data.csv", "-o", "out/report.json")
-        self.assertEqual(done.returncode, 4, done)
-        self.assertIn(b"out/report.json cannot be written: Permission denied", done.stderr)
+        done = self.run_bound_by_permissions("data.csv", "-o", "out/report.json")
+        self.assertEqual(done.status, 4, done)
+        self.assertIn(b"out/report.json cannot be written: Permission denied", done.err)
         self.assert_folder_holds()
 
     def test_diskFullLeavesTheOlderFileAndNoPart(self):
