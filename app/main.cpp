@@ -1,4 +1,5 @@
-// The codebook program: reads the command line, opens the data, runs the commands through the module, writes the report.
+// The codebook program: reads the command line, opens the data, runs the commands through the module, writes the
+// report.
 #include <clocale>
 #include <cstdio>
 #include <exception>
@@ -30,7 +31,8 @@ bool localeIsUtf8 = true;
 
 /// To standard error, in one write, with nothing from the data raw.
 void Say(const std::string& text) {
-  const std::string line = "codebook: " + runtime::output::EscapeForTerminal(text, localeIsUtf8, runtime::output::LineEnds::Keep) + "\n";
+  const std::string line =
+      "codebook: " + runtime::output::EscapeForTerminal(text, localeIsUtf8, runtime::output::LineEnds::Keep) + "\n";
   std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

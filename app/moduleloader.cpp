@@ -1,8 +1,8 @@
 #include "app/moduleloader.h"
 
-#include <dlfcn.h>
-
 #include <filesystem>
+
+#include <dlfcn.h>
 
 namespace app {
 
@@ -20,7 +20,8 @@ Module::Module(const std::string& path) : fPath(path), fHandle(dlopen(path.c_str
   fNotify = reinterpret_cast<LoadNotificationHandler>(dlsym(fHandle, "LoadNotification"));
   if (fNotify == nullptr || fNotify(fHandle, kProcessAttach, nullptr) == 0) {
     dlclose(fHandle);
-    throw ModuleError("The module " + path + (fNotify == nullptr ? " has no LoadNotification." : " refused to be loaded."));
+    throw ModuleError("The module " + path +
+                      (fNotify == nullptr ? " has no LoadNotification." : " refused to be loaded."));
   }
 }
 

@@ -1,7 +1,5 @@
 #include "app/options.h"
 
-#include <fmt/format.h>
-
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstring>
@@ -11,6 +9,8 @@
 #include <iterator>
 #include <sstream>
 #include <system_error>
+
+#include <fmt/format.h>
 
 #include "runtime/output/render/renderer.h"
 
@@ -54,7 +54,8 @@ std::string ChooseFormat(const std::string& asked, const std::optional<std::stri
   if (!outputFile) return std::string(runtime::output::ReportFormats().front().name);
   const runtime::output::ReportFormat* format = runtime::output::ReportFormatOfFile(*outputFile);
   if (format == nullptr)
-    throw UsageError(fmt::format("The ending of \"{}\" names no format. Say which with -F: {}.", *outputFile, FormatNames()));
+    throw UsageError(
+        fmt::format("The ending of \"{}\" names no format. Say which with -F: {}.", *outputFile, FormatNames()));
   return std::string(format->name);
 }
 
@@ -64,13 +65,16 @@ bool SameFile(const std::string& a, const std::string& b) {
 }
 
 void Check(const Options& options) {
-  if (options.commandText && options.commandFile) throw UsageError("Give the command with -c or with -f, not with both.");
+  if (options.commandText && options.commandFile)
+    throw UsageError("Give the command with -c or with -f, not with both.");
   if (options.data.path == "-" && options.commandFile == "-")
     throw UsageError("Data and command cannot both come from standard input. Give the command with -c or in a file.");
   if (!options.outputFile) return;
-  for (const std::optional<std::string>& input : {std::optional(options.data.path), options.data.dictionary, options.commandFile})
+  for (const std::optional<std::string>& input :
+       {std::optional(options.data.path), options.data.dictionary, options.commandFile})
     if (input && *input != "-" && SameFile(*options.outputFile, *input))
-      throw UsageError(fmt::format("The output would overwrite \"{}\", which is read. Name another file with -o.", *input));
+      throw UsageError(
+          fmt::format("The output would overwrite \"{}\", which is read. Name another file with -o.", *input));
 }
 
 std::string ReadAll(std::istream& in) { return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()}; }
@@ -99,7 +103,8 @@ Options ReadOptions(int argc, const char* const* argv) {
   cli.add_option("--resource", resource, "the resource of a datapackage.json that holds several");
   const CLI::Option* commandOption = cli.add_option("-c,--command", commandText, "the command's text");
   const CLI::Option* fileOption = cli.add_option("-f,--file", commandFile, "a file of commands, - for standard input");
-  cli.add_option("-F,--format", format, "the report's format: " + FormatNames() + " (else by the ending of -o, else text)");
+  cli.add_option("-F,--format", format,
+                 "the report's format: " + FormatNames() + " (else by the ending of -o, else text)");
   cli.add_option("-o,--output", outputFile, "write the report to this file, which appears only when it is whole");
   const CLI::Option* weightOption =
       cli.add_option("--weight", weight, "weight by this variable; '' switches weighting off")->expected(0, 1);
@@ -148,7 +153,8 @@ std::string CommandText(const Options& options) {
     throw UsageError(fmt::format("\"{}\" is a directory, not a file of commands.", *options.commandFile));
   std::ifstream file(*options.commandFile, std::ios::binary);
   if (!file)
-    throw UsageError(fmt::format("The file of commands \"{}\" cannot be opened: {}.", *options.commandFile, std::strerror(errno)));
+    throw UsageError(
+        fmt::format("The file of commands \"{}\" cannot be opened: {}.", *options.commandFile, std::strerror(errno)));
   return ReadAll(file);
 }
 

@@ -1,10 +1,5 @@
 #include "app/reportsink.h"
 
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -13,6 +8,11 @@
 #include <filesystem>
 #include <streambuf>
 #include <utility>
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "app/exitstatus.h"
 
@@ -23,7 +23,9 @@ namespace {
 /// A stream over a file descriptor that remembers why writing failed.
 class DescriptorBuffer : public std::streambuf {
  public:
-  explicit DescriptorBuffer(int descriptor) : fDescriptor(descriptor) { setp(fBytes.data(), fBytes.data() + fBytes.size()); }
+  explicit DescriptorBuffer(int descriptor) : fDescriptor(descriptor) {
+    setp(fBytes.data(), fBytes.data() + fBytes.size());
+  }
 
   int error() const { return fError; }
 

@@ -17,9 +17,9 @@ class OutputError : public std::runtime_error {
 
 using WriteReport = std::function<void(std::ostream&)>;
 
-/// Calls `write` with a stream and sees to it that all of it was written: throws OutputError when any byte was not. With a
-/// file name it writes a temporary file beside the target and renames it at the end, so that an older file of that name
-/// stays as it was until then (a device or a pipe is written to directly).
+/// Calls `write` with a stream and sees to it that all of it was written: throws OutputError when any byte was not.
+/// With a file name it writes a temporary file beside the target and renames it at the end, so that an older file of
+/// that name stays as it was until then (a device or a pipe is written to directly).
 void WriteReportTo(const std::optional<std::string>& fileName, const WriteReport& write);
 
 /// Gives closed standard streams a place, so that no file that is opened later takes theirs. To be called first of all.

@@ -1,11 +1,11 @@
 #include "app/terminal.h"
 
+#include <cstdlib>
+#include <string_view>
+
 #include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
-
-#include <cstdlib>
-#include <string_view>
 
 namespace app {
 

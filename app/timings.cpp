@@ -1,9 +1,9 @@
 #include "app/timings.h"
 
-#include <fmt/format.h>
-
 #include <chrono>
 #include <ctime>
+
+#include <fmt/format.h>
 
 namespace app {
 

@@ -33,7 +33,8 @@ std::int32_t labelCount(const MAVO_Variable& variable) {
 }
 
 const MAVO_Variable* firstMember(const CategoryDescriptor& descriptor) {
-  return descriptor.memberIndices.empty() ? nullptr : &descriptor.dataSource->GetVariable(descriptor.memberIndices.front());
+  return descriptor.memberIndices.empty() ? nullptr
+                                          : &descriptor.dataSource->GetVariable(descriptor.memberIndices.front());
 }
 
 void describeCountedValue(CategoryDescriptor& descriptor, const std::string& valueText) {

@@ -1,11 +1,12 @@
 // What the module exports: the procedure and the load notification handler.
 #include <array>
 
-#include "codebook/cbkreport.h"
-#include "codebook/parser/cbkparser.h"
 #include "host/common/api.h"
 #include "host/common/commonblocks.h"
 #include "host/common/notification.h"
+
+#include "codebook/cbkreport.h"
+#include "codebook/parser/cbkparser.h"
 
 namespace {
 
@@ -25,8 +26,8 @@ extern "C" HOST_API int LoadNotification(void* module, unsigned int notification
   return 1;
 }
 
-/// Describes the active dataset as the current command asks. Reports through the message channel and the output only; an
-/// exception of the host passes on, after everything made here was destroyed in reverse order.
+/// Describes the active dataset as the current command asks. Reports through the message channel and the output only;
+/// an exception of the host passes on, after everything made here was destroyed in reverse order.
 extern "C" HOST_API void CODEBOOK() {
   BpProcedure procedure("Codebook", 1);
   ProcedureDataSource dataSource;

@@ -80,7 +80,8 @@ void CodebookReport::writeFileInformation(double weightedCaseCount) {
   if (fSettings->fileInfoCaseCount()) {
     int count = fDataSource->NumberOfCases();
     // A dataset that is drawn from another is described by that one's size.
-    if (const MAVO_DataSource* parent = fDataSource->Parent()) count = const_cast<MAVO_DataSource*>(parent)->NumberOfCases();
+    if (const MAVO_DataSource* parent = fDataSource->Parent())
+      count = const_cast<MAVO_DataSource*>(parent)->NumberOfCases();
     BpGroup group = rows.Group(fixedText("Number of Cases"), true, BpGroup::kCreationOrder);
     addCount(group, "Unweighted", count, count >= 0);
     addCount(group, "Weighted", weightedCaseCount, weightedCaseCount > 0.0);

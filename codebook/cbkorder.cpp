@@ -59,7 +59,8 @@ void orderByMeasure(const MAVO_DataSource& dataSource, std::vector<ListedItem>& 
   for (std::size_t i = 0; i < items.size(); ++i) items[i] = std::move(ranked[i].second);
 }
 
-/// The text by which a variable is ordered: the first value of its attribute of that name; none when it has no such one.
+/// The text by which a variable is ordered: the first value of its attribute of that name; none when it has no such
+/// one.
 std::optional<std::string> sortText(const MAVO_Variable& variable, const std::string& attributeName) {
   const DatasourceAttributes& attributes = variable.GetAttributes();
   for (std::size_t i = 0; i < attributes.Size(); ++i) {

@@ -3,8 +3,9 @@
 
 #include <vector>
 
-#include "codebook/parser/cbksettings.h"
 #include "host/data/datasource.h"
+
+#include "codebook/parser/cbksettings.h"
 
 namespace codebook {
 

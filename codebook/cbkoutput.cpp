@@ -116,8 +116,6 @@ CategoryValue::CategoryValue(const MAVO_Variable& variable, double number, const
   if (fText.size() < width) fText.resize(width, ' ');
 }
 
-const OBS* CategoryValue::obs() const {
-  return fIsString ? reinterpret_cast<const OBS*>(fText.data()) : &fNumber;
-}
+const OBS* CategoryValue::obs() const { return fIsString ? reinterpret_cast<const OBS*>(fText.data()) : &fNumber; }
 
 }  // namespace codebook

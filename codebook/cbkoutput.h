@@ -20,8 +20,8 @@ BpString dataText(const std::string& text);
 /// "<none>", as a fixed text.
 BpString noneText();
 
-/// The row label of value `index` (from 0) of an attribute with `count` values: the bare name when there is one value, else
-/// the name and a bracketed number from 1, padded with zeros to the digits of the count.
+/// The row label of value `index` (from 0) of an attribute with `count` values: the bare name when there is one value,
+/// else the name and a bracketed number from 1, padded with zeros to the digits of the count.
 std::string elementName(const std::string& name, std::size_t index, std::size_t count);
 /// The name begins with "@" or "$@".
 bool isHiddenAttribute(const std::string& name);
@@ -30,7 +30,8 @@ bool isReservedAttribute(const std::string& name);
 /// An empty value shows as one blank, so that no cell is empty.
 std::string attributeValueText(const std::string& value);
 
-/// The name of a format and its width, and its decimals when it has any: "F8.2", "A20"; "badFormat" for an unknown code.
+/// The name of a format and its width, and its decimals when it has any: "F8.2", "A20"; "badFormat" for an unknown
+/// code.
 std::string formatText(const MAVO_Format& format);
 
 /// The dimension "Attributes", in the rows.

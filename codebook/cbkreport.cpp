@@ -25,11 +25,11 @@ void cutTrailingComma(std::string& names) {
 
 }  // namespace
 
-/// What the run prepares for its items; released before it returns. A scale variable with value labels has two entries, its
-/// own and one for the labelled values, when counts or percents are wanted.
+/// What the run prepares for its items; released before it returns. A scale variable with value labels has two entries,
+/// its own and one for the labelled values, when counts or percents are wanted.
 struct CodebookReport::Preparation {
   std::vector<std::unique_ptr<ItemEntry>> entries;
-  std::vector<std::int32_t> kinds;                      // an ItemKind an entry
+  std::vector<std::int32_t> kinds;  // an ItemKind an entry
   std::vector<AggregationStatistic> categoryStatistics;
 };
 
@@ -114,7 +114,8 @@ bool CodebookReport::passCases(Preparation& prepared, bool byDefault, ProcDSIter
   return true;
 }
 
-void CodebookReport::writeItemTables(const std::vector<ListedItem>& items, const Preparation& prepared, bool byDefault) {
+void CodebookReport::writeItemTables(const std::vector<ListedItem>& items, const Preparation& prepared,
+                                     bool byDefault) {
   const std::vector<std::int32_t>& itemKinds = fSettings->itemKinds();
   std::uint32_t position = 0;
   for (const ListedItem& item : items) {
@@ -140,8 +141,8 @@ void CodebookReport::writeItemTables(const std::vector<ListedItem>& items, const
 void CodebookReport::warnNoInformation() {
   if (fNoInformationList.empty()) return;
   cutTrailingComma(fNoInformationList);  // the blank before it stays
-  fParserMessage->GenericWarning("No Variable Information for ^1.", fNoInformationList.c_str(), nullptr, nullptr, nullptr,
-                                 nullptr);
+  fParserMessage->GenericWarning("No Variable Information for ^1.", fNoInformationList.c_str(), nullptr, nullptr,
+                                 nullptr, nullptr);
 }
 
 void CodebookReport::warnNotDisplayed(const std::vector<ListedItem>& items, const Preparation& prepared) {
@@ -151,8 +152,8 @@ void CodebookReport::warnNotDisplayed(const std::vector<ListedItem>& items, cons
   }
 
   const bool labelsShown = !fSettings->varInfoGiven() || fSettings->varInfoValueLabels();
-  const bool countsComputed = !fSettings->statisticsNone() && (!fSettings->statisticsGiven() || fSettings->statCount() ||
-                                                               fSettings->statPercent());
+  const bool countsComputed = !fSettings->statisticsNone() &&
+                              (!fSettings->statisticsGiven() || fSettings->statCount() || fSettings->statPercent());
   if (labelsShown && !countsComputed) {
     for (const ListedItem& item : items) {
       if (item.isSet()) continue;

@@ -6,12 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "codebook/cbkcategory.h"
-#include "codebook/cbkstatistics.h"
-#include "codebook/parser/cbksettings.h"
 #include "host/output/procedure.h"
 #include "host/output/proceduredatasource.h"
 #include "host/parser/message.h"
+
+#include "codebook/cbkcategory.h"
+#include "codebook/cbkstatistics.h"
+#include "codebook/parser/cbksettings.h"
 
 namespace codebook {
 
@@ -26,8 +27,8 @@ class CodebookReport {
   CodebookReport(const CodebookReport&) = delete;
   CodebookReport& operator=(const CodebookReport&) = delete;
 
-  /// Called once. Orders the items, passes the cases when statistics are wanted, writes the tables, and warns of items that
-  /// showed nothing or less than asked.
+  /// Called once. Orders the items, passes the cases when statistics are wanted, writes the tables, and warns of items
+  /// that showed nothing or less than asked.
   void run();
 
  private:

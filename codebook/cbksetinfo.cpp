@@ -3,9 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "host/common/check.h"
+
 #include "codebook/cbkoutput.h"
 #include "codebook/cbkreport.h"
-#include "host/common/check.h"
 
 namespace codebook {
 
@@ -38,6 +39,10 @@ class SetTable {
   BpPivotTable fTable;
   BpDimension fRows;
   ValueColumns fColumns;
+  const BpFormatSpec fCountFormat = BpProcedure::Count();
+  const BpFormatSpec fPercentFormat = BpProcedure::Percent();
+  [[maybe_unused]] const BpFormatSpec fCoefficientFormat =
+      BpProcedure::Coefficient();  // fetched with the others, unused
   bool fAnyRow = false;
 
   std::vector<std::int32_t> fMembers;  // dictionary indices: one a category, or the set's members
@@ -128,8 +133,8 @@ void SetTable::writeCountedCategories(BpGroup& group) {
       const char* label = member.GetType() != 0 ? labels.GetLabel(fValueTexts[k]) : labels.GetLabel(value.obs());
       if (label != nullptr) fColumns.value.Cell(dataText(label));
     }
-    if (fShowCounts) fColumns.count.Cell(BpNumber(fCounts[k], BpProcedure::Count()));
-    if (fShowPercents) fColumns.percent.Cell(BpNumber(fPercents[k], BpProcedure::Percent()));
+    if (fShowCounts) fColumns.count.Cell(BpNumber(fCounts[k], fCountFormat));
+    if (fShowPercents) fColumns.percent.Cell(BpNumber(fPercents[k], fPercentFormat));
   }
 }
 

@@ -6,14 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "codebook/cbkcategory.h"
 #include "host/aggregation/table.h"
 #include "host/output/proceduredatasource.h"
 
+#include "codebook/cbkcategory.h"
+
 namespace codebook {
 
-/// One aggregation table an item, all filled in one pass over the cases. Lists have one entry an item, same index as the
-/// items. Order of use: SetUp, PassCases, then the reading operations. One thread.
+/// One aggregation table an item, all filled in one pass over the cases. Lists have one entry an item, same index as
+/// the items. Order of use: SetUp, PassCases, then the reading operations. One thread.
 class VariableStatistics {
  public:
   /// The entries are not owned and must live until the pass is over; the two lists are referred to, not copied.
@@ -30,14 +31,15 @@ class VariableStatistics {
   /// Appends one statistic a code, three for the percentile code.
   void BuildScaleStatistics(std::vector<AggregationStatistic>& out, int varIndex) const;
 
-  /// Passes the cases once; a categorical item with more than maxCategories distinct values drops out on the way, and the
-  /// pass ends behind the first case that no item took. Returns the number of cases up to there, 0 when there are none.
-  /// REQUIRES: SetUp with the same maxCategories, on a ProcDSIterator.
+  /// Passes the cases once; a categorical item with more than maxCategories distinct values drops out on the way, and
+  /// the pass ends behind the first case that no item took. Returns the number of cases up to there, 0 when there are
+  /// none. REQUIRES: SetUp with the same maxCategories, on a ProcDSIterator.
   int PassCases(int maxCategories);
 
-  /// Per category of a categorical item (the total left out): counts, percents, numeric values, texts, set codes. Clears
-  /// the lists first. `*missing` is the weight of the missing cases, the result that of all cases. `percents` is only as
-  /// long as `counts` when percents were requested; `values` stays empty for a dichotomy set, `setCodes` for a variable.
+  /// Per category of a categorical item (the total left out): counts, percents, numeric values, texts, set codes.
+  /// Clears the lists first. `*missing` is the weight of the missing cases, the result that of all cases. `percents` is
+  /// only as long as `counts` when percents were requested; `values` stays empty for a dichotomy set, `setCodes` for a
+  /// variable.
   double ReadCategoryResults(int i, std::vector<double>& counts, std::vector<double>& percents,
                              std::vector<double>& values, std::vector<std::string>& valueTexts,
                              std::vector<std::int32_t>& setCodes, double* missing) const;

@@ -87,6 +87,8 @@ class VariableTable {
   ValueColumns fColumns;
   const BpFormatSpec fCountFormat = BpProcedure::Count();
   const BpFormatSpec fPercentFormat = BpProcedure::Percent();
+  [[maybe_unused]] const BpFormatSpec fCoefficientFormat =
+      BpProcedure::Coefficient();  // fetched with the others, unused
   const BpFormatSpec fMeanFormat;
   const BpFormatSpec fStdDevFormat;
   bool fAnyRow = false;

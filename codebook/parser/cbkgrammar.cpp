@@ -15,8 +15,7 @@ SubComDescriptor makeSubcommand(const std::string& name) {
 }
 
 void addKeywords(SubComDescriptor& subcommand, std::initializer_list<const std::string*> keywords) {
-  for (const std::string* name : keywords)
-    subcommand.addParamDesc(*name, kParamKeyword, false, true, kBracketsDefault);
+  for (const std::string* name : keywords) subcommand.addParamDesc(*name, kParamKeyword, false, true, kBracketsDefault);
 }
 
 }  // namespace
@@ -56,8 +55,8 @@ void CodebookRequest::declareGrammar(CommandDescriptor& descriptor) const {
   descriptor.addSubComDesc(list);
 
   SubComDescriptor varInfo = makeSubcommand(kVarInfo);
-  addKeywords(varInfo, {&kPosition, &kLabel, &kType, &kFormat, &kMeasure, &kRole, &kAttributes, &kValueLabels, &kMissing,
-                        &kReservedAttributes});
+  addKeywords(varInfo, {&kPosition, &kLabel, &kType, &kFormat, &kMeasure, &kRole, &kAttributes, &kValueLabels,
+                        &kMissing, &kReservedAttributes});
   descriptor.addSubComDesc(varInfo);
 
   SubComDescriptor fileInfo = makeSubcommand(kFileInfo);

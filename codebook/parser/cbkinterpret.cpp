@@ -125,7 +125,8 @@ bool CodebookRequest::interpretOptions(const CommandSpec& commandSpec) {
     if (!maxCats->getIntegerValue(value) || value <= 0) {
       // An invalid value does not count as a keyword, so OPTIONS MAXCATS=0 alone warns twice.
       fSettings->setMaxCats(kDefaultMaxCats);
-      fParserMessage->GenericWarning("MAXCATS must be a positive integer.", nullptr, nullptr, nullptr, nullptr, nullptr);
+      fParserMessage->GenericWarning("MAXCATS must be a positive integer.", nullptr, nullptr, nullptr, nullptr,
+                                     nullptr);
     } else {
       fSettings->setMaxCats(value);
       noKeyword = false;
@@ -157,8 +158,8 @@ bool CodebookRequest::interpretOptions(const CommandSpec& commandSpec) {
         fSettings->setVarOrderAttribute(attribute);
       } else {
         order = kOrderVarList;
-        fParserMessage->GenericWarning("Invalid attribute name specified for VARORDER.", nullptr, nullptr, nullptr, nullptr,
-                                       nullptr);
+        fParserMessage->GenericWarning("Invalid attribute name specified for VARORDER.", nullptr, nullptr, nullptr,
+                                       nullptr, nullptr);
       }
     } else {
       result = false;

@@ -2,9 +2,10 @@
 #include <string>
 #include <utility>
 
+#include "host/common/check.h"
+
 #include "codebook/parser/cbkkeywords.h"
 #include "codebook/parser/cbkparser.h"
-#include "host/common/check.h"
 
 namespace codebook {
 
@@ -17,8 +18,9 @@ constexpr const char* kMalformed = "Error in < ^1 > command.";
 constexpr const char* kInvalidLevel = "Invalid measurement level.";
 
 const TokenInfoObj* tokenAt(const std::vector<TokenInfoObj>& tokens, int position) {
-  return position >= 0 && static_cast<std::size_t>(position) < tokens.size() ? &tokens[static_cast<std::size_t>(position)]
-                                                                            : nullptr;
+  return position >= 0 && static_cast<std::size_t>(position) < tokens.size()
+             ? &tokens[static_cast<std::size_t>(position)]
+             : nullptr;
 }
 
 bool isToken(const TokenInfoObj* token, const std::string& keyword) {
@@ -252,9 +254,8 @@ bool ListResolution::readMeasureKeyword(bool isNew, int& position, int variableI
 
 int ListResolution::findVariable(const std::string& name) {
   const MavoVarName variableName(name);
-  const int index = ValidateMAVOName(variableName.c_str()) == 0
-                        ? fRequest.fDataSource->FindVarIndex(variableName.c_str(), 0)
-                        : -1;
+  const int index =
+      ValidateMAVOName(variableName.c_str()) == 0 ? fRequest.fDataSource->FindVarIndex(variableName.c_str(), 0) : -1;
   if (index < 0) error(kInvalidName, variableName.c_str());
   return index;
 }
@@ -281,7 +282,8 @@ bool ListResolution::isListed(int variableIndex) const {
 
 void ListResolution::append(const std::string& name, int index) {
   fItems.push_back({name, index});
-  if (static_cast<std::size_t>(index) < fVariableIsListed.size()) fVariableIsListed[static_cast<std::size_t>(index)] = true;
+  if (static_cast<std::size_t>(index) < fVariableIsListed.size())
+    fVariableIsListed[static_cast<std::size_t>(index)] = true;
 }
 
 void ListResolution::error(const char* text, const char* argument1, const char* argument2) {

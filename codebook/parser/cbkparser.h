@@ -7,12 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "codebook/parser/cbksettings.h"
 #include "host/data/names.h"
 #include "host/output/proceduredatasource.h"
 #include "host/parser/commandspec.h"
 #include "host/parser/grammar.h"
 #include "host/parser/message.h"
+
+#include "codebook/parser/cbksettings.h"
 
 namespace codebook {
 
@@ -90,10 +91,10 @@ class ListResolution {
 
   CodebookRequest& fRequest;
   const SubComObj* fList = nullptr;
-  std::vector<TokenInfoObj> fTokens;      // the list's, once read
+  std::vector<TokenInfoObj> fTokens;  // the list's, once read
   bool fTokensRead = false;
-  std::vector<ListedItem> fItems;         // the working list
-  std::vector<bool> fVariableIsListed;    // by dictionary index
+  std::vector<ListedItem> fItems;       // the working list
+  std::vector<bool> fVariableIsListed;  // by dictionary index
 };
 
 }  // namespace codebook

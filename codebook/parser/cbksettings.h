@@ -10,8 +10,8 @@ namespace codebook {
 /// One listed item: a variable, or a multiple response set (its name begins with "$").
 struct ListedItem {
   std::string name;
-  /// Of a variable its dictionary position, from 0. Of a set a number at or above the dictionary's variable count, handed
-  /// out in the order in which sets are added to the list.
+  /// Of a variable its dictionary position, from 0. Of a set a number at or above the dictionary's variable count,
+  /// handed out in the order in which sets are added to the list.
   std::int32_t index = 0;
 
   bool isSet() const { return !name.empty() && name.front() == '$'; }
@@ -34,8 +34,9 @@ enum VarOrder : std::int32_t {
 
 inline constexpr std::int32_t kDefaultMaxCats = 200;
 
-/// A plain record: defaults from the constructor, written while the command is parsed, only read afterwards. For VARINFO,
-/// FILEINFO and STATISTICS the keyword flags are always written by a parse; the given-flag tells whether the user chose.
+/// A plain record: defaults from the constructor, written while the command is parsed, only read afterwards. For
+/// VARINFO, FILEINFO and STATISTICS the keyword flags are always written by a parse; the given-flag tells whether the
+/// user chose.
 class CodebookSettings {
  public:
   const std::vector<ListedItem>& items() const { return fItems; }

@@ -10,8 +10,8 @@
 
 namespace TableEncryptionCodes {
 enum StatisticCodes : int {
-  kCount = 1,         // sum of the weights of the cases in a category
-  kPercent = 130,     // 100 x Count / Total
+  kCount = 1,      // sum of the weights of the cases in a category
+  kPercent = 130,  // 100 x Count / Total
   kMean = 179,
   kMissing = 198,     // sum of the weights of the cases with a missing value
   kStdDev = 203,      // frequency weights, divisor W - 1

@@ -17,7 +17,8 @@ inline constexpr std::int8_t kInt8SystemMissing = INT8_MIN;
 inline constexpr std::int16_t kInt16SystemMissing = INT16_MIN;
 inline constexpr std::int32_t kInt32SystemMissing = INT32_MIN;
 
-/// The distinct texts of a string column. Codes count from 0 in order of first appearance; a code never changes its text.
+/// The distinct texts of a string column. Codes count from 0 in order of first appearance; a code never changes its
+/// text.
 class HOST_API StringTable {
  public:
   virtual ~StringTable();
@@ -79,8 +80,8 @@ class HOST_API CaseCursor {
  protected:
   /// Sets chunkBegin and chunkEnd to the next chunk and returns true, or false at the end, leaving both alone.
   virtual bool LoadNextChunk() = 0;
-  /// Tells the listeners that the cursor dies. To be called first in a derived class's destructor, while its columns can
-  /// still be read.
+  /// Tells the listeners that the cursor dies. To be called first in a derived class's destructor, while its columns
+  /// can still be read.
   void Farewell();
 
  private:

@@ -28,8 +28,8 @@ class HOST_API MAVO_DataSource {
   /// REQUIRES: a dictionary index.
   const MAVO_Variable& GetVariable(int index) const;
   MAVO_Variable& GetVariable(int index);
-  /// Dictionary index of the variable with that name, without regard to case; -1 when there is none. The second argument
-  /// asks for no special search and is not used.
+  /// Dictionary index of the variable with that name, without regard to case; -1 when there is none. The second
+  /// argument asks for no special search and is not used.
   int FindVarIndex(const char* name, int) const;
   /// The multiple response sets in dictionary order.
   std::vector<VariableSetImpl> GetMRSets() const;

@@ -28,8 +28,8 @@ class HOST_API MavoVarName {
   std::string fText;
 };
 
-/// Comparison of two UTF-8 texts under full Unicode simple case folding; 0 when equal, else the sign of the order of the
-/// folded texts. Bytes that are no UTF-8 compare as they stand.
+/// Comparison of two UTF-8 texts under full Unicode simple case folding; 0 when equal, else the sign of the order of
+/// the folded texts. Bytes that are no UTF-8 compare as they stand.
 HOST_API int MAVOMBstricmp_A(const char* a, const char* b);
 /// The same over the first `length` bytes of each (fewer when a text ends before).
 HOST_API int MAVOMBstrnicmp_A(const char* a, const char* b, std::size_t length);

@@ -1,5 +1,5 @@
-// Pivot tables, built strictly top-down. All classes here are light handles into the table that is being built: they are
-// held by value, and the table belongs to the procedure's output.
+// Pivot tables, built strictly top-down. All classes here are light handles into the table that is being built: they
+// are held by value, and the table belongs to the procedure's output.
 #pragma once
 
 #include <memory>

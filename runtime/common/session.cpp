@@ -12,8 +12,8 @@
 
 namespace runtime::common {
 
-/// Puts messages into the report and knows whether the present command has stopped with an error: an error behind which a
-/// procedure neither asked for cases nor opened a table ended it.
+/// Puts messages into the report and knows whether the present command has stopped with an error: an error behind which
+/// a procedure neither asked for cases nor opened a table ended it.
 class Session::Messages : public parser::MessageSink {
  public:
   explicit Messages(output::Report& report) : fReport(report) {}

@@ -18,7 +18,8 @@ using ProcedureTable = std::map<std::string, ProcedureEntry>;
 
 struct SessionOptions {
   int threads = 1;
-  /// Called when a procedure asks for the cases and when it opens its first table behind that; for timings. May be empty.
+  /// Called when a procedure asks for the cases and when it opens its first table behind that; for timings. May be
+  /// empty.
   std::function<void()> onPassBegins;
   std::function<void()> onTablesBegin;
 };
@@ -34,7 +35,8 @@ class Session {
   Session& operator=(const Session&) = delete;
 
   /// Runs the commands of a text, one behind the other. False when a command stopped with an error; the ones behind it
-  /// still ran. An InternalCheckFailure, and any other exception of a procedure, passes on, and no further command runs.
+  /// still ran. An InternalCheckFailure, and any other exception of a procedure, passes on, and no further command
+  /// runs.
   bool Run(const std::string& text);
 
   /// Everything that the commands so far reported, messages and tables.

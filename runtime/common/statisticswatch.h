@@ -6,8 +6,8 @@
 
 namespace runtime::common {
 
-/// A procedure may read the mean, standard deviation or percentiles of one variable while it writes the table of another.
-/// That is told, once a table.
+/// A procedure may read the mean, standard deviation or percentiles of one variable while it writes the table of
+/// another. That is told, once a table.
 class StatisticsWatch {
  public:
   using Warn = std::function<void(const std::string& text)>;

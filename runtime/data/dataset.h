@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "host/data/casecursor.h"
+
 #include "runtime/data/records.h"
 
 namespace runtime::data {

@@ -86,7 +86,9 @@ std::vector<ColumnPlan> PlanFor(const TableDescriptor* descriptor, const std::ve
 OpenedDataset OpenDataset(const OpenOptions& options) {
   OpenedDataset opened;
   std::vector<Note>& notes = opened.notes;
-  const Input input = FindInput(options, notes);
+  Input input = FindInput(options, notes);
+  // The weight that is asked for stands instead of the dictionary's, which may then be as wrong as it likes.
+  if (options.weight && input.descriptor) input.descriptor->weight.reset();
   const TableDescriptor* descriptor = input.descriptor ? &*input.descriptor : nullptr;
   const std::string& dataPath = input.dataPaths.front();
 

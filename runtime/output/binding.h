@@ -14,10 +14,10 @@ class Dataset;
 namespace runtime::output {
 
 struct OutputBinding {
-  Report* report = nullptr;                              // receives procedures and tables
-  std::shared_ptr<const runtime::data::Dataset> dataset;  // the active dataset; null: none
-  bool datasetUnusable = false;                          // what FatalError tells
-  std::function<void()> onCursorOpened;                  // a procedure asked for the cases
+  Report* report = nullptr;                                     // receives procedures and tables
+  std::shared_ptr<const runtime::data::Dataset> dataset;        // the active dataset; null: none
+  bool datasetUnusable = false;                                 // what FatalError tells
+  std::function<void()> onCursorOpened;                         // a procedure asked for the cases
   std::function<void(const std::string& title)> onTableOpened;  // a procedure opened a table
 };
 

@@ -13,6 +13,7 @@
 #include "runtime/data/dictionary/assemblesets.h"
 #include "runtime/data/dictionary/formats.h"
 #include "runtime/data/dictionary/formattext.h"
+#include "runtime/data/dictionary/headernotes.h"
 #include "runtime/data/dictionary/measurewords.h"
 #include "runtime/data/dictionary/valuelabels.h"
 #include "runtime/data/dictionary/variablenames.h"
@@ -141,6 +142,9 @@ Dictionary AssembleDictionary(const TableDescriptor* descriptor, const std::vect
     fieldNames.push_back(column.field ? column.field->name : std::string());
   }
   const std::vector<std::string> names = MakeVariableNames(originals);
+  // A file that is said to have no header row has nothing to mend there.
+  if (!descriptor || descriptor->dialect.header.value_or(true))
+    TellChangedHeaders(originals, names, dataPath.value_or("standard input"), notes);
   Dictionary dictionary;
   dictionary.variables.reserve(columns.size());
   for (std::size_t i = 0; i < columns.size(); ++i)

@@ -14,6 +14,7 @@
 
 #include "runtime/data/open.h"
 #include "runtime/data/source/duckdblibrary.h"
+#include "runtime/data/source/filefault.h"
 
 namespace runtime::data {
 namespace {
@@ -196,6 +197,7 @@ std::vector<DuckDBColumn> DuckDBSession::Columns(const std::string& sql) const {
 }
 
 void DuckDBSession::Fail(const std::string& problem) const {
+  if (const std::optional<std::string> fault = FindFileFault(fFile)) throw DataError(*fault);
   std::string words = problem;
   for (std::size_t at = words.find(fPath); fPath != fFile && at != std::string::npos; at = words.find(fPath, at))
     words.replace(at, fPath.size(), fFile);

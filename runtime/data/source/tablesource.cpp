@@ -17,13 +17,6 @@
 namespace runtime::data {
 namespace {
 
-std::string LowerEnding(const std::string& path) {
-  std::string ending = std::filesystem::path(path).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
-                 [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 32) : byte; });
-  return ending;
-}
-
 /// The engine's own words for these are about its settings, not about the file.
 void CheckReadable(const std::string& path) {
   std::error_code error;
@@ -39,6 +32,13 @@ void CheckReadable(const std::string& path) {
 
 ColumnSink::~ColumnSink() = default;
 TableSource::~TableSource() = default;
+
+std::string LowerEnding(const std::string& path) {
+  std::string ending = std::filesystem::path(path).extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(),
+                 [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 32) : byte; });
+  return ending;
+}
 
 bool IsTableFile(const std::string& path) {
   const std::string ending = LowerEnding(path);

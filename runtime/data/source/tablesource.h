@@ -46,6 +46,9 @@ class TableSource {
   std::int64_t fRowCount = 0;
 };
 
+/// The ending of a file's name in lower case (ASCII letters), with its period; empty when it has none.
+std::string LowerEnding(const std::string& path);
+
 /// Whether a path names a file of such a kind: .parquet, .jsonl, .ndjson, without regard to case.
 bool IsTableFile(const std::string& path);
 

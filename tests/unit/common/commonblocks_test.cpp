@@ -1,9 +1,9 @@
 #include "host/common/commonblocks.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,14 +1,14 @@
-// A session: binding, several commands in one text, what counts as stopped. The procedures here are tiny stand-ins, since the
-// runtime knows none by name.
+// A session: binding, several commands in one text, what counts as stopped. The procedures here are tiny stand-ins,
+// since the runtime knows none by name.
 #include "runtime/common/session.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "host/common/check.h"
 #include "host/output/procedure.h"
@@ -163,12 +163,14 @@ TEST(Session, tellsWhenThePassAndTheTablesBegin) {
   SessionOptions options;
   options.onPassBegins = [&stages] { stages.emplace_back("pass"); };
   options.onTablesBegin = [&stages] { stages.emplace_back("tables"); };
-  Session session(labelled("x"), {{"P", +[] {
-                                     ProcedureDataSource source;
-                                     delete source.NewCaseIterator(0);
-                                     writeLabelTable();
-                                     writeLabelTable();
-                                   }}},
+  Session session(labelled("x"),
+                  {{"P",
+                    +[] {
+                      ProcedureDataSource source;
+                      delete source.NewCaseIterator(0);
+                      writeLabelTable();
+                      writeLabelTable();
+                    }}},
                   options);
   session.Run("P.");
   EXPECT_THAT(stages, ElementsAre("pass", "tables"));

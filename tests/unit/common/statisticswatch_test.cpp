@@ -1,10 +1,10 @@
 #include "runtime/common/statisticswatch.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace runtime::common {
 namespace {

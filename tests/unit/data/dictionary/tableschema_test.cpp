@@ -420,7 +420,9 @@ TEST(Matching, givesAFieldToTheFirstOfEqualHeaders) {
   EXPECT_EQ(all[0].label, "A");
   EXPECT_EQ(all[1].name, "a_2");
   EXPECT_EQ(all[1].label, "a");
-  EXPECT_EQ(all.notes.size(), 1U);
+  ASSERT_EQ(all.notes.size(), 2U);
+  EXPECT_THAT(all.notes[0].text, HasSubstr("column 2 \"a\" of the data has no field"));
+  EXPECT_THAT(all.notes[1].text, HasSubstr("\"a\" in column 2 is a_2"));
 }
 
 TEST(Matching, goesByPositionWithoutAHeaderRow) {
