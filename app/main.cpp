@@ -79,6 +79,7 @@ int Run(int argc, char** argv) {
     throw;
   }
   SayMessages(session.report());
+  if (session.report().procedures.empty() && allDone) Say("the text holds no command; nothing was run");
   if (options.timings) Say("timings: " + timings.Line());
   return allDone ? app::kDone : app::kCommandStopped;
 }

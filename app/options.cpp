@@ -117,7 +117,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   cli.add_flag("--timings", options.timings, "print a line of timings to standard error");
   cli.add_option("--chunk-rows", options.data.chunkRows, "cases counted at a time; changes no result")
       ->check(CLI::Range(1, 1 << 30))
-      ->group("");  // for tests of exactly that
+      ->group("For tests");
 
   try {
     cli.parse(argc, argv);

@@ -1,5 +1,6 @@
 // The entry: what happens between the host's call and the first table.
 #include <stdexcept>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -77,6 +78,27 @@ TEST(Entry, nothingIsKeptFromOneCommandToTheNext) {
   EXPECT_THAT(run.rows("age", 0), ElementsAre("Standard Attributes > Label | Value: <none>"));
   EXPECT_EQ(run.rows("age", 1).front(), "Standard Attributes > Measurement | Value: Scale");
   EXPECT_EQ(run.rows("age", 1).back(), "Central Tendency and Dispersion > Mean | Value: 42.0000");
+}
+
+std::shared_ptr<const runtime::data::Dataset> datasetOf(const std::string& name, double value) {
+  DatasetBuilder builder;
+  builder.AddNumeric(name, std::vector<double>(500, value)).Level(MAVO_Variable_Enumerations::kLevelNominal);
+  return builder.Build(64);
+}
+
+TEST(Entry, twoCommandsInTwoThreadsDoNotTouchEachOther) {
+  std::vector<std::string> left;
+  std::vector<std::string> right;
+  const auto describe = [](const std::string& name, double value, std::vector<std::string>& rows) {
+    const auto dataset = datasetOf(name, value);
+    for (int i = 0; i < 50; ++i) rows = CommandRun(dataset, "CODEBOOK.").rowsOf(name, "Valid Values");
+  };
+  std::thread one(describe, "left", 1.0, std::ref(left));
+  std::thread other(describe, "right", 2.0, std::ref(right));
+  one.join();
+  other.join();
+  EXPECT_THAT(left, ElementsAre("Valid Values > 1.00 | Count: 500 | Percent: 100.0%"));
+  EXPECT_THAT(right, ElementsAre("Valid Values > 2.00 | Count: 500 | Percent: 100.0%"));
 }
 
 }  // namespace
