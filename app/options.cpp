@@ -96,8 +96,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   cli.footer(kFooter);
   cli.set_version_flag("--version", "codebook " CODEBOOK_VERSION);
   cli.add_option("DATA", options.data.path,
-                 "a file (CSV, TSV, Parquet, JSON lines), a datapackage.json, or - for standard input")
-      ->required();
+                 "a file (CSV, TSV, Parquet, JSON lines), a datapackage.json, or - for standard input");
   cli.add_option("-d,--dictionary", dictionary,
                  "the dictionary: datapackage.json or a Table Schema (else looked for beside the data)");
   cli.add_option("--resource", resource, "the resource of a datapackage.json that holds several");
@@ -128,6 +127,10 @@ Options ReadOptions(int argc, const char* const* argv) {
   } catch (const CLI::ParseError& error) {
     throw UsageError(std::string(error.what()) + "\nRun codebook --help for what it takes.");
   }
+
+  // Not left to the library, which would tell of a missing DATA before an option that it does not know.
+  if (options.data.path.empty())
+    throw UsageError("Name the data: codebook DATA. Run codebook --help for what it takes.");
 
   const auto given = [](const std::string& text) {
     return text.empty() ? std::nullopt : std::optional<std::string>(text);

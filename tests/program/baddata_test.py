@@ -44,6 +44,8 @@ class Unreadable(ProgramTest):
     def test_binaryFile(self):
         self.write("binary.csv", bytes(range(256)) * 20)
         self.refused("binary.csv", "not a table of text", "give a CSV")
+        self.write("short.csv", b"a\x00b,c\n1,2\n")
+        self.refused("short.csv", "not a table of text")
 
     def test_programAsData(self):
         shutil.copy(PROGRAM, self.path("program.csv"))
@@ -110,7 +112,9 @@ class Told(ProgramTest):
 
     def test_raggedRowsAreErrorsWhenStrict(self):
         self.write("ragged.csv", "a,b\n1,2\n3\n")
-        self.assert_refused(self.run_program("ragged.csv", "--strict"), 3, "ragged.csv:3", "row 2", "1 cell", "2 columns")
+        self.assert_refused(
+            self.run_program("ragged.csv", "--strict"), 3, "ragged.csv:3", "row 2", "1 cell", "2 columns", "without --strict"
+        )
 
     def test_manyRaggedRowsAreOneMessage(self):
         self.write("ragged.csv", "a,b\n" + "1\n" * 1000)

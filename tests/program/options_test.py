@@ -175,6 +175,7 @@ class WrongUse(ProgramTest):
 
     def test_unknownOption(self):
         self.refused(("data.csv", "--nosuch"), "--nosuch", "--help")
+        self.refused(("--nosuch",), "--nosuch", "--help")
 
     def test_optionWithoutItsValue(self):
         self.refused(("data.csv", "-c"), "-c", "--help")

@@ -82,7 +82,8 @@ void BlockScanner::FitRow(std::size_t firstCell) {
 
 void BlockScanner::NoteRagged(RaggedRows& rows, std::size_t cells) {
   if (fStrict)
-    throw DataError(fmt::format("{}:{}: row {} has {} where there are {}", fSource, fScanner.line(), fRows,
+    throw DataError(fmt::format("{}:{}: row {} has {} where there are {}; mend the row, or run without --strict",
+                                fSource, fScanner.line(), fRows,
                                 Plural(static_cast<std::int64_t>(cells), "cell", "cells"),
                                 Plural(static_cast<std::int64_t>(fHeaders.size()), "column", "columns")));
   if (rows.count++ < static_cast<std::int64_t>(kRaggedRowsNamed)) rows.first.push_back({fRows, fScanner.line(), cells});

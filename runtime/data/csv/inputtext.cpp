@@ -64,6 +64,8 @@ bool LooksBinary(std::string_view bytes) {
   constexpr std::size_t kFewControls = 4;
   constexpr std::size_t kOneInSoMany = 20;
   bytes = bytes.substr(0, kLookedAt);
+  // A cell may hold a NUL, but no one names a column with one.
+  if (bytes.substr(0, bytes.find_first_of("\r\n")).find('\0') != std::string_view::npos) return true;
   std::size_t controls = 0;
   for (const char c : bytes) {
     const auto byte = static_cast<unsigned char>(c);

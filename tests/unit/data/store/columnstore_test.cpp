@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "runtime/data/open.h"
+
 namespace runtime::data {
 namespace {
 
@@ -142,6 +144,17 @@ TEST(BlockRows, shrinkWhenTheTableIsVeryWide) {
   EXPECT_EQ(RowsPerBlock(500), 16'384);
   EXPECT_LT(RowsPerBlock(5'000), 2'000);
   EXPECT_GE(RowsPerBlock(1'000'000), 256);
+}
+
+TEST(ColumnarDataset, refusesMoreCasesThanACountHolds) {
+  EXPECT_NO_THROW(ColumnarDataset(Dictionary{}, {}, kMostCases, 0));
+  try {
+    const ColumnarDataset dataset(Dictionary{}, {}, kMostCases + 1, 0);
+    FAIL() << "taken";
+  } catch (const DataError& error) {
+    EXPECT_STREQ(error.what(),
+                 "The data has 2147483648 cases; more than 2147483647 cannot be worked with. Split the file.");
+  }
 }
 
 }  // namespace
