@@ -63,8 +63,10 @@ TEST(Rows, thatAreTooLongLoseTheRestAndAreTold) {
 }
 
 TEST(Rows, ofAWrongLengthAreAnErrorWhenStrict) {
-  EXPECT_EQ(ErrorOf("a,b\n1,2\n\"x\ny\"\n", true), "x.csv:3: row 2 has 1 cell where there are 2 columns");
-  EXPECT_EQ(ErrorOf("a\n1,2\n", true), "x.csv:2: row 1 has 2 cells where there are 1 column");
+  EXPECT_EQ(ErrorOf("a,b\n1,2\n\"x\ny\"\n", true),
+            "x.csv:3: row 2 has 1 cell where there are 2 columns; mend the row, or run without --strict");
+  EXPECT_EQ(ErrorOf("a\n1,2\n", true),
+            "x.csv:2: row 1 has 2 cells where there are 1 column; mend the row, or run without --strict");
 }
 
 TEST(BlankLines, arePassedOverWhenThereAreSeveralColumns) {
