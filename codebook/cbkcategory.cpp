@@ -179,7 +179,7 @@ std::string CategoryLabel(const CategoryDescriptor& descriptor, const std::strin
       return labelOf(*descriptor.variable, text, value);
     case kCategorySetItem:
       for (const std::int32_t member : descriptor.memberIndices) {
-        const std::string label = labelOf(descriptor.dataSource->GetVariable(member), text, value);
+        std::string label = labelOf(descriptor.dataSource->GetVariable(member), text, value);
         if (!label.empty()) return label;
       }
       return "";

@@ -103,9 +103,8 @@ void orderByAttribute(const MAVO_DataSource& dataSource, std::vector<ListedItem>
   std::stable_sort(valued.begin(), valued.end(), ascending ? valuedAscending : valuedDescending);
 
   items.clear();
-  if (ascending) items = std::move(plain);
   for (ValuedItem& item : valued) items.push_back(std::move(item.second));
-  if (!ascending) items.insert(items.end(), plain.begin(), plain.end());
+  items.insert(ascending ? items.begin() : items.end(), plain.begin(), plain.end());
 }
 
 }  // namespace
