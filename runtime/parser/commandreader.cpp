@@ -11,7 +11,6 @@
 using runtime::parser::ListAlternatives;
 using runtime::parser::NearestKeyword;
 using runtime::parser::ShowFound;
-using runtime::parser::ShowPlace;
 using runtime::parser::ShowText;
 using runtime::parser::TextPlace;
 using runtime::parser::UpperCase;

@@ -159,7 +159,7 @@ double Selection::Pivot(const Range& range, UInt128 threshold) {
   const double wanted = static_cast<double>(threshold - range.below);
   // The place is only a guess, which is enough for a pivot.
   const double share = std::clamp(wanted / static_cast<double>(range.upTo - range.below), 0.0, 1.0);
-  double* nth = sample + static_cast<std::size_t>(share * static_cast<double>(sampleSize - 1) + 0.5);
+  double* nth = sample + std::lround(share * static_cast<double>(sampleSize - 1));
   std::nth_element(sample, nth, sample + sampleSize);
   return *nth;
 }

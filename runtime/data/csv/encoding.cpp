@@ -17,7 +17,7 @@ namespace {
 
 using Converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
 
-constexpr std::size_t kUnitsAtOnce = 32 * 1024;
+constexpr std::size_t kUnitsAtOnce = std::size_t{32} * 1024;
 
 Converter OpenConverter(const std::string& encoding) {
   UErrorCode error = U_ZERO_ERROR;
