@@ -13,7 +13,7 @@ namespace {
 constexpr std::int64_t kMostBlockRows = 16'384;
 constexpr std::int64_t kFewestBlockRows = 256;
 constexpr std::int64_t kBlockCells = std::int64_t{8} * 1024 * 1024;  // of all columns together
-constexpr std::size_t kBatch = 256;                    // values that are looked at together, on the stack
+constexpr std::size_t kBatch = 256;                                  // values that are looked at together, on the stack
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 std::size_t BytesPerCell(ColumnStorage storage) {
