@@ -48,7 +48,7 @@ struct Host {
   const MAVO_DataSource* parent = nullptr;
   /// In place of an iterator over the dataset's cases.
   std::function<MAVO_InputCaseIterator*(ProcedureDataSource&)> newIterator;
-  /// What the parser makes of the command: fills the specification, 0 on success. None: nothing was written.
+  /// What the parser makes of the command: fills the CommandSpec, 0 on success. None: nothing was written.
   std::function<int(CommandSpec&)> read;
   std::deque<Table> tables;
   // Recorded.
