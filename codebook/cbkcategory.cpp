@@ -11,21 +11,25 @@ namespace codebook {
 
 namespace {
 
-/// The width of a variable printed as a plain string, 0 for any other print format.
-std::int32_t plainStringWidth(const MAVO_Variable& variable) {
+/// The print format as far as it matters here.
+struct PrintFormat {
   FormatType type = kFormatNone;
   int width = 0;
   int decimals = 0;
-  variable.GetFormatEx(type, width, decimals);
-  return type == kFormatA ? width : 0;
+};
+
+PrintFormat printFormat(const MAVO_Variable& variable) {
+  PrintFormat format;
+  variable.GetFormatEx(format.type, format.width, format.decimals);
+  return format;
 }
 
-bool isPlainString(const MAVO_Variable& variable) {
-  FormatType type = kFormatNone;
-  int width = 0;
-  int decimals = 0;
-  variable.GetFormatEx(type, width, decimals);
-  return type == kFormatA;
+bool isPlainString(const MAVO_Variable& variable) { return printFormat(variable).type == kFormatA; }
+
+/// The width of a variable printed as a plain string, 0 for any other print format.
+std::int32_t plainStringWidth(const MAVO_Variable& variable) {
+  const PrintFormat format = printFormat(variable);
+  return format.type == kFormatA ? format.width : 0;
 }
 
 std::int32_t labelCount(const MAVO_Variable& variable) {

@@ -171,11 +171,7 @@ bool ListResolution::addRange(int& position, bool bracketAfterFirst) {
     else if (isEnd)
       error(kDuplicate);  // told, and yet the range goes on: the result is that of the keyword call below
     if (!isEnd) {
-      if (isNew) {
-        std::vector<std::int32_t> kinds = fRequest.fSettings->itemKinds();
-        kinds[static_cast<std::size_t>(index)] = kindFromDictionary(fRequest.fDataSource->GetVariable(index));
-        fRequest.fSettings->setItemKinds(kinds);
-      }
+      if (isNew) setKind(index, kindFromDictionary(fRequest.fDataSource->GetVariable(index)));
       continue;
     }
     if (index == upper) position += 2;  // past TO and the second name
@@ -218,9 +214,7 @@ bool ListResolution::readMeasureKeyword(bool isNew, int& position, int variableI
   const MAVO_Variable& variable = fRequest.fDataSource->GetVariable(variableIndex);
   const std::int32_t dictionaryKind = kindFromDictionary(variable);
   const bool isString = variable.GetType() != 0;
-  std::vector<std::int32_t> kinds = fRequest.fSettings->itemKinds();
-  std::int32_t& kind = kinds[static_cast<std::size_t>(variableIndex)];
-  kind = dictionaryKind;  // undoes any earlier keyword
+  std::int32_t kind = dictionaryKind;  // undoes any earlier keyword
 
   if (!readTokens()) return failMalformed();
   std::vector<TokenInfoObj> inside;
@@ -248,7 +242,7 @@ bool ListResolution::readMeasureKeyword(bool isNew, int& position, int variableI
 
   // A string variable without a categorical level ends as nominal whatever its keyword said, ordinal included.
   if (isString && dictionaryKind == kScaleItem) kind = kNominalItem;
-  fRequest.fSettings->setItemKinds(kinds);
+  setKind(variableIndex, kind);
   return true;
 }
 
@@ -278,6 +272,11 @@ bool ListResolution::readTokens() {
 
 bool ListResolution::isListed(int variableIndex) const {
   return fVariableIsListed[static_cast<std::size_t>(variableIndex)];
+}
+
+/// In place: a copy of the whole list a variable would make a long list quadratic.
+void ListResolution::setKind(int variableIndex, std::int32_t kind) {
+  fRequest.fSettings->itemKinds()[static_cast<std::size_t>(variableIndex)] = kind;
 }
 
 void ListResolution::append(const std::string& name, int index) {

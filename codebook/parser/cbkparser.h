@@ -84,6 +84,7 @@ class ListResolution {
 
   bool readTokens();
   bool isListed(int variableIndex) const;
+  void setKind(int variableIndex, std::int32_t kind);
   void append(const std::string& name, int index);
   void error(const char* text, const char* argument1 = nullptr, const char* argument2 = nullptr);
   void warning(const char* text);

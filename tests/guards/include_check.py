@@ -10,7 +10,7 @@ import re
 import sys
 from pathlib import Path
 
-from sources import sources
+from sources import run_check, sources
 
 # The first line that matches a file's path holds. A folder stands for everything below it.
 VISIBLE = [
@@ -110,13 +110,7 @@ def violations(root: Path) -> list[str]:
 
 
 def main(arguments: list[str]) -> int:
-    if len(arguments) != 1:
-        print("usage: include_check.py ROOT", file=sys.stderr)
-        return 2
-    found = violations(Path(arguments[0]))
-    for line in found:
-        print(line)
-    return 1 if found else 0
+    return run_check("include_check.py", violations, arguments)
 
 
 if __name__ == "__main__":

@@ -10,7 +10,7 @@ import re
 import sys
 from pathlib import Path
 
-from sources import code_only, sources
+from sources import code_only, run_check, sources
 
 CORE = ["host", "codebook", "runtime"]
 
@@ -40,13 +40,7 @@ def violations(root: Path) -> list[str]:
 
 
 def main(arguments: list[str]) -> int:
-    if len(arguments) != 1:
-        print("usage: print_check.py ROOT", file=sys.stderr)
-        return 2
-    found = violations(Path(arguments[0]))
-    for line in found:
-        print(line)
-    return 1 if found else 0
+    return run_check("print_check.py", violations, arguments)
 
 
 if __name__ == "__main__":

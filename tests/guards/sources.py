@@ -1,6 +1,8 @@
 """The C++ sources of a tree, and a source as its code alone."""
 
 import re
+import sys
+from collections.abc import Callable
 from pathlib import Path
 
 _NOT_CODE = re.compile(
@@ -30,3 +32,14 @@ def code_only(text: str) -> str:
         return '""' if match.group().count("\n") == 0 else "\n" * match.group().count("\n")
 
     return _NOT_CODE.sub(emptied, text)
+
+
+def run_check(name: str, violations: Callable[[Path], list[str]], arguments: list[str]) -> int:
+    """The main function of a check: `NAME ROOT` prints what `violations` finds in the tree; 1 when it finds anything."""
+    if len(arguments) != 1:
+        print(f"usage: {name} ROOT", file=sys.stderr)
+        return 2
+    found = violations(Path(arguments[0]))
+    for line in found:
+        print(line)
+    return 1 if found else 0
