@@ -6,7 +6,6 @@
 #include <memory>
 #include <new>
 #include <string>
-#include <thread>
 
 #include "host/common/check.h"
 
@@ -46,24 +45,20 @@ void AddNotes(const std::vector<runtime::data::Note>& notes, Report& report) {
     report.messages.push_back({note.isError ? Severity::Error : Severity::Warning, Source::Data, note.text});
 }
 
-int ThreadCount(const app::Options& options) {
-  if (options.data.threads > 0) return options.data.threads;
-  return static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-}
-
 int Run(int argc, char** argv) {
-  const app::Options options = app::ReadOptions(argc, argv);
+  app::Options options = app::ReadOptions(argc, argv);
   const std::string commands = app::CommandText(options);
   const runtime::output::RenderOptions rendering = app::DescribeTerminal(options.width, options.outputFile.has_value());
 
   app::Timings timings;
   timings.Begin("read");
   const app::Module module(app::BesideProgram("codebook.so"));
+  options.data.pool = std::make_shared<runtime::machine::ThreadPool>(options.threads);
   const runtime::data::OpenedDataset opened = runtime::data::OpenDataset(options.data);
 
   timings.Begin("command");
   runtime::common::SessionOptions sessionOptions;
-  sessionOptions.threads = ThreadCount(options);
+  sessionOptions.pool = options.data.pool;
   sessionOptions.onPassBegins = [&timings] { timings.Begin("pass"); };
   sessionOptions.onTablesBegin = [&timings] { timings.Begin("tables"); };
   runtime::common::Session session(opened.dataset, {{"CODEBOOK", module.Procedure("CODEBOOK")}}, sessionOptions);

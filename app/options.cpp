@@ -108,7 +108,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   const CLI::Option* weightOption =
       cli.add_option("--weight", weight, "weight by this variable; '' switches weighting off")->expected(0, 1);
   cli.add_flag("--strict", options.data.strict, "what does not fit the dictionary is an error");
-  cli.add_option("--threads", options.data.threads, "threads to use at most (else as many as the machine has)")
+  cli.add_option("--threads", options.threads, "threads to use at most (else as many as the machine has)")
       ->check(CLI::Range(1, 1024));
   const CLI::Option* widthOption =
       cli.add_option("--width", width, "width of text tables in columns (else the terminal's, else 80)")

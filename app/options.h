@@ -16,6 +16,7 @@ struct Options {
   std::string format;                      // a name that the program can write
   std::optional<std::string> outputFile;   // -o; absent: standard output
   std::optional<int> width;                // of text; absent: the terminal's
+  int threads = 0;                         // 0: as many as the machine gives
   bool timings = false;
 };
 

@@ -1,12 +1,18 @@
 // What the aggregation library is bound to on the calling thread. Set by the session for one run.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+
+#include "runtime/machine/threadpool.h"
 
 namespace runtime::aggregation {
 
 struct AggregationBinding {
-  int threads = 1;  // most threads that the counting may use
+  machine::ThreadPool* pool = nullptr;  // threads that count; null: the calling one alone
+  /// Bytes of memory that the values kept for percentiles may take, all tables together; what is beyond goes to a
+  /// temporary file. 0: no limit.
+  std::int64_t percentileMemory = 0;
   /// A mean, standard deviation or percentile of the variable (dictionary index) was read from a table's results.
   std::function<void(int variable)> onScaleStatisticRead;
 };

@@ -56,7 +56,8 @@ class Session::Binding {
       fWatch.TableOpened(title);
       if (std::exchange(fBeforeTables, false) && session.fOptions.onTablesBegin) session.fOptions.onTablesBegin();
     };
-    fAggregation.threads = session.fOptions.threads;
+    fAggregation.pool = session.fOptions.pool.get();
+    fAggregation.percentileMemory = session.fOptions.percentileMemory;
     fAggregation.onScaleStatisticRead = [this, &session](int variable) {
       fWatch.StatisticRead(session.fDataset->dictionary().variables[static_cast<std::size_t>(variable)]->name);
     };

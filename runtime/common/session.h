@@ -1,6 +1,7 @@
 // A session binds a dataset, the command text and the report for one run.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -9,6 +10,8 @@
 #include "host/common/notification.h"
 
 #include "runtime/data/dataset.h"
+#include "runtime/machine/progress.h"
+#include "runtime/machine/threadpool.h"
 #include "runtime/output/model/report.h"
 
 namespace runtime::common {
@@ -17,7 +20,11 @@ namespace runtime::common {
 using ProcedureTable = std::map<std::string, ProcedureEntry>;
 
 struct SessionOptions {
-  int threads = 1;
+  std::shared_ptr<machine::ThreadPool> pool;  // threads that count; null: the calling one alone
+  /// Bytes of memory that the values kept for percentiles may take; what is beyond goes to a temporary file. 0: no
+  /// limit.
+  std::int64_t percentileMemory = 0;
+  machine::ProgressListener onProgress;  // of a pass over the cases
   /// Called when a procedure asks for the cases and when it opens its first table behind that; for timings. May be
   /// empty.
   std::function<void()> onPassBegins;

@@ -103,7 +103,7 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
   if (IsTableFile(dataPath)) {
     if (input.dataPaths.size() > 1)
       throw DataError(fmt::format("{}: a resource of several files is read from CSV only", dataPath));
-    const auto source = OpenTableFile(dataPath, options.threads);
+    const auto source = OpenTableFile(dataPath, options.pool ? options.pool->threads() : 1);
     std::vector<std::string> names;
     for (const SourceColumn& column : source->columns()) names.push_back(column.name);
     table = ReadSource(*source, plan(names), dataPath, options.strict, notes);

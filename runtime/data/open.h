@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "runtime/data/dataset.h"
+#include "runtime/machine/progress.h"
+#include "runtime/machine/threadpool.h"
 
 namespace runtime::data {
 
@@ -30,8 +32,12 @@ struct OpenOptions {
   std::optional<std::string> resource;    // of a data package that holds several
   std::optional<std::string> weight;      // overrides the dictionary's weight variable; empty: unweighted
   bool strict = false;                    // what does not fit the dictionary is an error
-  int threads = 0;                        // 0: as many as the machine has
   std::int64_t chunkRows = 0;             // rows that a cursor hands out at once; 0: a whole block
+  /// Threads that read; null: the calling one alone. Shared with the dataset.
+  std::shared_ptr<machine::ThreadPool> pool;
+  /// Bytes of memory that the columns may take; what is beyond goes to a temporary file. 0: no limit.
+  std::int64_t columnMemory = 0;
+  machine::ProgressListener onProgress;  // of reading
 };
 
 struct OpenedDataset {

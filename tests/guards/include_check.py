@@ -21,10 +21,11 @@ VISIBLE = [
     ("host/data", ["host/data", "host/common"]),
     ("codebook", ["host", "codebook"]),
     ("runtime/common", ["host", "runtime"]),
-    ("runtime/aggregation", ["runtime/aggregation", "host/aggregation", "host/data", "host/common"]),
+    ("runtime/machine", ["runtime/machine"]),
+    ("runtime/aggregation", ["runtime/aggregation", "runtime/machine", "host/aggregation", "host/data", "host/common"]),
     ("runtime/output", ["runtime/output", "host/output", "host/data", "host/common"]),
     ("runtime/parser", ["runtime/parser", "host/parser", "host/common"]),
-    ("runtime/data", ["runtime/data", "host/data", "host/common"]),
+    ("runtime/data", ["runtime/data", "runtime/machine", "host/data", "host/common"]),
     ("app", ["app", "host", "runtime"]),
     ("tests", ["tests", "app", "host", "codebook", "runtime"]),
     ("bench", ["bench", "app", "host", "codebook", "runtime"]),
@@ -37,7 +38,8 @@ LIBRARIES = [
     ("unicode/", ["runtime/parser", "runtime/data", "runtime/output", "tests"]),
     ("gmp.h", ["runtime/aggregation/exact", "tests"]),
     ("gmpxx.h", ["runtime/aggregation/exact", "tests"]),
-    ("duckdb.h", ["runtime/data/source"]),
+    ("duckdb.h", ["runtime/data/source", "tests/cells", "bench"]),
+    ("hwy/", ["runtime/data/csv"]),
     ("CLI/", ["app"]),
     ("gtest/", ["tests"]),
     ("gmock/", ["tests"]),
@@ -45,7 +47,7 @@ LIBRARIES = [
 ]
 
 # The operating system: files, memory, threads and the loading of libraries, for who talks to it.
-SYSTEM_FOLDERS = ["runtime/data", "runtime/aggregation", "runtime/common", "app", "tests", "bench"]
+SYSTEM_FOLDERS = ["runtime/machine", "runtime/data", "runtime/aggregation", "runtime/common", "app", "tests", "bench"]
 SYSTEM = """dirent.h dlfcn.h fcntl.h langinfo.h poll.h pthread.h sched.h signal.h spawn.h termios.h time.h unistd.h
     sys/ioctl.h sys/mman.h sys/resource.h sys/stat.h sys/statvfs.h sys/time.h sys/types.h sys/uio.h sys/wait.h
     immintrin.h""".split()

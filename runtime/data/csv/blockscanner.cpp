@@ -65,8 +65,12 @@ bool BlockScanner::Next(CellBlock& block, std::size_t mostRows) {
     fLines.push_back(fScanner.line());
     if (fCells.size() - firstCell != columns) FitRow(firstCell);
   }
-  block.cells = fCells.data();
+  fPlaces.clear();
+  for (std::uint32_t cell = 0; cell < fCells.size(); ++cell) fPlaces.push_back({cell, Cell::kOwnText});
+  block.cells = fPlaces.data();
+  block.ownTexts = fCells.data();
   block.columns = columns;
+  block.stride = columns;
   block.rows = fLines.size();
   block.firstRow = firstRow;
   block.lines = fLines.data();

@@ -60,6 +60,7 @@ class BlockScanner {
   RecordScanner fScanner;
   std::vector<std::string> fHeaders;
   std::vector<std::string_view> fCells;
+  std::vector<Cell> fPlaces;
   std::vector<std::int64_t> fLines;
   std::int64_t fRows = 0;
   RaggedRows fTooShort;

@@ -44,7 +44,7 @@ class TextTyper : public ColumnTyper {
 
   void Append(const CellBlock& block, std::size_t column) override {
     for (std::size_t row = 0; row < block.rows; ++row) {
-      const std::string_view text = block.Cell(row, column);
+      const std::string_view text = block.Text(row, column);
       if (IsBlank(text)) ++fFacts.blankCells;
       fColumn.Append(text);
     }
@@ -96,16 +96,17 @@ class ValueTyper : public ColumnTyper {
   template <typename Read>
   void AppendWith(const CellBlock& block, std::size_t column, Read read) {
     double* const values = BlockBuffer(block.rows);
-    const std::string_view* cell = block.cells + column;
+    const Cell* cell = block.cells + column;
     const bool wholeNumbers = fReader.type() == FieldType::Integer;
     NumberReading reading;
-    for (std::size_t row = 0; row < block.rows; ++row, cell += block.columns) {
-      if (!cell->empty() && read(*cell, reading)) {
+    for (std::size_t row = 0; row < block.rows; ++row, cell += block.stride) {
+      const std::string_view text = block.Text(*cell);
+      if (!text.empty() && read(text, reading)) {
         values[row] = reading.value;
         fFacts.decimals = std::max(fFacts.decimals, reading.decimals);
         if (wholeNumbers && !reading.isExact) ++fFacts.roundedCells;
       } else {
-        values[row] = ReadInFull(*cell, block, row);
+        values[row] = ReadInFull(text, block, row);
       }
     }
     fColumn.Append(values, block.rows);
@@ -162,7 +163,7 @@ class InferringTyper : public ColumnTyper {
     const bool onlyBlanksBefore = fOnlyBlanks;
     double* const values = BlockBuffer(block.rows);
     for (std::size_t row = 0; row < block.rows; ++row) {
-      const std::string_view text = block.Cell(row, column);
+      const std::string_view text = block.Text(row, column);
       NumberReading reading;
       if (fDecided && !fMissingFirst && !text.empty() && ReadAsInferred(fFacts.type, text, reading)) {
         values[row] = reading.value;

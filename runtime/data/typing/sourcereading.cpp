@@ -119,8 +119,12 @@ class TypingSink : public ColumnSink {
 
   void Texts(std::size_t column, const std::string_view* texts, std::size_t count) override {
     CellBlock block;
-    block.cells = texts;
+    fCells.clear();
+    for (std::uint32_t cell = 0; cell < count; ++cell) fCells.push_back({cell, Cell::kOwnText});
+    block.cells = fCells.data();
+    block.ownTexts = texts;
     block.columns = 1;
+    block.stride = 1;
     block.rows = count;
     block.firstRow = fRows[column];
     fRows[column] += static_cast<std::int64_t>(count);
@@ -139,6 +143,7 @@ class TypingSink : public ColumnSink {
   std::vector<std::unique_ptr<NumberColumn>> fNumbers;
   std::vector<std::unique_ptr<ColumnTyper>> fTexts;
   std::vector<std::int64_t> fRows;
+  std::vector<Cell> fCells;
 };
 
 }  // namespace

@@ -28,7 +28,7 @@ Table Read(std::string_view text, bool strict = false, const CsvDialect& dialect
     for (std::size_t row = 0; row < block.rows; ++row) {
       table.rows.emplace_back();
       for (std::size_t column = 0; column < block.columns; ++column)
-        table.rows.back().emplace_back(block.Cell(row, column));
+        table.rows.back().emplace_back(block.Text(row, column));
       table.lines.push_back(block.lines[row]);
     }
   }

@@ -39,8 +39,12 @@ void AppendAll(ColumnTyper& typer, const std::vector<std::string>& cells, std::s
       lines.push_back(static_cast<std::int64_t>(i) + 2);
     }
     CellBlock block;
-    block.cells = texts.data();
+    std::vector<Cell> places;
+    for (std::uint32_t cell = 0; cell < texts.size(); ++cell) places.push_back({cell, Cell::kOwnText});
+    block.cells = places.data();
+    block.ownTexts = texts.data();
     block.columns = 1;
+    block.stride = 1;
     block.rows = texts.size();
     block.firstRow = static_cast<std::int64_t>(first);
     block.lines = lines.data();
