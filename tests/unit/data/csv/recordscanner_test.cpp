@@ -256,7 +256,7 @@ TEST(BlockScanner, givesTheSameRowsWhateverTheBlocks) {
       ASSERT_EQ(block.firstRow, static_cast<std::int64_t>(scanned.size()));
       for (std::size_t row = 0; row < block.rows; ++row) {
         Record record;
-        for (std::size_t column = 0; column < columns; ++column) record.emplace_back(block.Cell(row, column));
+        for (std::size_t column = 0; column < columns; ++column) record.emplace_back(block.Text(row, column));
         scanned.push_back(record);
       }
     }
