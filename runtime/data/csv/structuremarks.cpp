@@ -1,0 +1,114 @@
+#include "runtime/data/csv/structuremarks.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "runtime/data/csv/structuremarks.cpp"
+#include "hwy/foreach_target.h"
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace runtime::data {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+/// Writes a bit a byte for `words` times 64 bytes; whether any byte is 0x80 or above.
+bool MarkBytes(const std::uint8_t* HWY_RESTRICT text, std::size_t words, std::uint8_t delimiter, std::uint8_t quote,
+               std::uint8_t* HWY_RESTRICT delimiters, std::uint8_t* HWY_RESTRICT lineFeeds,
+               std::uint8_t* HWY_RESTRICT carriageReturns, std::uint8_t* HWY_RESTRICT quotes) {
+  const hn::CappedTag<std::uint8_t, 64> d;
+  const std::size_t lanes = hn::Lanes(d);
+  const auto isDelimiter = hn::Set(d, delimiter);
+  const auto isQuote = hn::Set(d, quote);
+  const auto isLineFeed = hn::Set(d, std::uint8_t{'\n'});
+  const auto isCarriageReturn = hn::Set(d, std::uint8_t{'\r'});
+  auto seen = hn::Zero(d);
+  for (std::size_t at = 0; at < words * 64; at += lanes) {
+    const auto bytes = hn::LoadU(d, text + at);
+    seen = hn::Or(seen, bytes);
+    hn::StoreMaskBits(d, hn::Eq(bytes, isDelimiter), delimiters + at / 8);
+    hn::StoreMaskBits(d, hn::Eq(bytes, isLineFeed), lineFeeds + at / 8);
+    hn::StoreMaskBits(d, hn::Eq(bytes, isCarriageReturn), carriageReturns + at / 8);
+    hn::StoreMaskBits(d, hn::Eq(bytes, isQuote), quotes + at / 8);
+  }
+  return !hn::AllTrue(d, hn::Lt(seen, hn::Set(d, std::uint8_t{0x80})));
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace runtime::data
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace runtime::data {
+
+HWY_EXPORT(MarkBytes);
+
+namespace {
+
+// A byte of marks stands for the eight bytes of text at the same place.
+static_assert(std::endian::native == std::endian::little);
+
+std::uint8_t* BytesOf(std::vector<std::uint64_t>& words, std::size_t word) {
+  return reinterpret_cast<std::uint8_t*>(words.data() + word);
+}
+
+}  // namespace
+
+StructureMarker::StructureMarker(std::string_view text, const CsvDialect& dialect, std::size_t mostWords)
+    : fText(text),
+      fDelimiter(dialect.delimiter),
+      fQuote(dialect.quote),
+      fHasQuotes(dialect.quote != '\0'),
+      fMostWords(mostWords) {}
+
+void StructureMarker::Mark(std::size_t begin, bool atRecord, StructureMarks& marks) const {
+  constexpr std::size_t kBytes = StructureMarks::kBytesOfWord;
+  for (auto* words : {&marks.cellEnds, &marks.lineEnds, &marks.quotes, &marks.openings}) words->resize(fMostWords);
+  const std::size_t left = fText.size() - begin;
+  const std::size_t whole = std::min(fMostWords, left / kBytes);
+  marks.begin = begin;
+  marks.words = std::min(fMostWords, left / kBytes + 1);
+
+  // The line feeds go where the openings will stand, so that no other memory is needed.
+  const auto mark = [this, &marks](const char* text, std::size_t word, std::size_t words) {
+    return HWY_DYNAMIC_DISPATCH(MarkBytes)(reinterpret_cast<const std::uint8_t*>(text), words,
+                                           static_cast<std::uint8_t>(fDelimiter), static_cast<std::uint8_t>(fQuote),
+                                           BytesOf(marks.cellEnds, word), BytesOf(marks.openings, word),
+                                           BytesOf(marks.lineEnds, word), BytesOf(marks.quotes, word));
+  };
+  marks.hasNonAscii = mark(fText.data() + begin, 0, whole);
+  if (whole < marks.words) {
+    std::array<char, kBytes> last{};
+    const std::size_t tail = left - whole * kBytes;
+    std::memcpy(last.data(), fText.data() + begin + whole * kBytes, tail);
+    last[tail] = '\n';
+    marks.hasNonAscii = mark(last.data(), whole, 1) || marks.hasNonAscii;
+  }
+
+  const char before = atRecord ? '\n' : fText[begin - 1];
+  std::uint64_t behindCarriageReturn = before == '\r' ? 1 : 0;
+  std::uint64_t behindEnd = before == '\r' || before == '\n' || before == fDelimiter ? 1 : 0;
+  const std::uint64_t hasQuotes = fHasQuotes ? ~std::uint64_t{0} : 0;
+  for (std::size_t word = 0; word < marks.words; ++word) {
+    const std::uint64_t carriageReturns = marks.lineEnds[word];
+    const std::uint64_t lineFeeds = marks.openings[word];
+    const std::uint64_t ends = marks.cellEnds[word] | carriageReturns | lineFeeds;
+    const std::uint64_t quotes = marks.quotes[word] & hasQuotes;
+    const std::uint64_t secondOfTwo = lineFeeds & (carriageReturns << 1 | behindCarriageReturn);
+    marks.cellEnds[word] = ends & ~secondOfTwo;
+    marks.lineEnds[word] = (carriageReturns | lineFeeds) & ~secondOfTwo;
+    marks.quotes[word] = quotes;
+    marks.openings[word] = quotes & (ends << 1 | behindEnd);
+    behindCarriageReturn = carriageReturns >> 63;
+    behindEnd = ends >> 63;
+  }
+}
+
+}  // namespace runtime::data
+
+#endif
