@@ -32,6 +32,8 @@ class RecordScanner {
   /// Of the record last given: the line in which it begins, from 1; whether it is a line without any character.
   std::int64_t line() const { return fLine; }
   bool lineIsBlank() const { return fLineIsBlank; }
+  /// Lines that have ended so far.
+  std::int64_t lineEnds() const { return fNextLine - 1; }
   /// Bytes of the text that were scanned.
   std::size_t position() const { return static_cast<std::size_t>(fAt - fBegin); }
   /// Ends the life of the cells given so far.
