@@ -10,13 +10,16 @@
 #include "host/common/check.h"
 
 #include "app/exitstatus.h"
+#include "app/interrupt.h"
 #include "app/moduleloader.h"
 #include "app/options.h"
+#include "app/progressbar.h"
 #include "app/reportsink.h"
 #include "app/terminal.h"
 #include "app/timings.h"
 #include "runtime/common/session.h"
 #include "runtime/data/open.h"
+#include "runtime/machine/spillfile.h"
 #include "runtime/output/render/renderer.h"
 #include "runtime/output/render/terminaltext.h"
 
@@ -45,28 +48,61 @@ void AddNotes(const std::vector<runtime::data::Note>& notes, Report& report) {
     report.messages.push_back({note.isError ? Severity::Error : Severity::Warning, Source::Data, note.text});
 }
 
+/// Tells both who watches and who measures at which stage the run is.
+class Stages {
+ public:
+  Stages(app::ProgressBar& bar, app::Timings& timings) : fBar(bar), fTimings(timings) {}
+
+  void Begin(app::Stage stage, const char* inWords) {
+    fTimings.Begin(stage);
+    fBar.BeginStage(inWords);
+  }
+
+ private:
+  app::ProgressBar& fBar;
+  app::Timings& fTimings;
+};
+
+void SayTimings(app::TimingForm form, app::Timings& timings) {
+  if (form == app::TimingForm::None) return;
+  timings.End();
+  if (form == app::TimingForm::Json)
+    Say("timings: " + timings.Json(app::PeakMemory()));
+  else
+    Say("where the time went\n" + timings.Table(app::PeakMemory()));
+}
+
 int Run(int argc, char** argv) {
   app::Options options = app::ReadOptions(argc, argv);
+  if (options.quiet) app::InterruptQuietly();
   const std::string commands = app::CommandText(options);
   const runtime::output::RenderOptions rendering = app::DescribeTerminal(options.width, options.outputFile.has_value());
 
   app::Timings timings;
-  timings.Begin("read");
+  app::ProgressBar bar(!options.quiet, localeIsUtf8);
+  Stages stages(bar, timings);
+
+  stages.Begin(app::Stage::Read, "reading");
   const app::Module module(app::BesideProgram("codebook.so"));
   options.data.pool = std::make_shared<runtime::machine::ThreadPool>(options.threads);
+  options.data.onProgress = bar.Listener();
   const runtime::data::OpenedDataset opened = runtime::data::OpenDataset(options.data);
 
-  timings.Begin("command");
+  stages.Begin(app::Stage::Pass, "counting");
   runtime::common::SessionOptions sessionOptions;
   sessionOptions.pool = options.data.pool;
-  sessionOptions.onPassBegins = [&timings] { timings.Begin("pass"); };
-  sessionOptions.onTablesBegin = [&timings] { timings.Begin("tables"); };
+  sessionOptions.percentileMemory = options.percentileMemory;
+  sessionOptions.onProgress = bar.Listener();
+  sessionOptions.onPassBegins = [&stages] { stages.Begin(app::Stage::Pass, "counting"); };
+  sessionOptions.onTablesBegin = [&stages] { stages.Begin(app::Stage::Tables, "making tables"); };
   runtime::common::Session session(opened.dataset, {{"CODEBOOK", module.Procedure("CODEBOOK")}}, sessionOptions);
   AddNotes(opened.notes, session.report());
   const bool allDone = session.Run(commands);
 
-  timings.Begin("render");
+  stages.Begin(app::Stage::Write, "writing");
   const auto renderer = runtime::output::FindReportFormat(options.format)->newRenderer(rendering);
+  // The report may go to the same terminal, through whatever stands between.
+  bar.End();
   try {
     app::WriteReportTo(options.outputFile, [&](std::ostream& out) { renderer->Render(session.report(), out); });
   } catch (const app::OutputError&) {
@@ -74,8 +110,9 @@ int Run(int argc, char** argv) {
     throw;
   }
   SayMessages(session.report());
-  if (session.report().procedures.empty() && allDone) Say("the text holds no command; nothing was run");
-  if (options.timings) Say("timings: " + timings.Line());
+  if (session.report().procedures.empty() && allDone && !options.quiet)
+    Say("the text holds no command; nothing was run");
+  SayTimings(options.timing, timings);
   return allDone ? app::kDone : app::kCommandStopped;
 }
 
@@ -83,6 +120,7 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   app::SecureStandardStreams();
+  app::ReportClosedPipes();
   app::HandleInterrupts();
   std::setlocale(LC_CTYPE, "");
   localeIsUtf8 = app::DescribeTerminal(std::nullopt, false).utf8;
@@ -103,6 +141,9 @@ int main(int argc, char** argv) {
     Say(std::string("error: ") + error.what());
     return app::kNoData;
   } catch (const app::OutputError& error) {
+    Say(std::string("error: ") + error.what());
+    return app::kNoOutput;
+  } catch (const runtime::machine::SpillError& error) {
     Say(std::string("error: ") + error.what());
     return app::kNoOutput;
   } catch (const InternalCheckFailure& failure) {

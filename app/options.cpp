@@ -8,10 +8,12 @@
 #include <iostream>
 #include <iterator>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 
 #include <fmt/format.h>
 
+#include "app/memorysize.h"
 #include "runtime/output/render/renderer.h"
 
 namespace app {
@@ -77,6 +79,45 @@ void Check(const Options& options) {
           fmt::format("The output would overwrite \"{}\", which is read. Name another file with -o.", *input));
 }
 
+/// The option library takes a --weight without a name for one with an empty name, which means something else.
+void CheckThatWeightIsNamed(int argc, const char* const* argv) {
+  for (int i = 1; i < argc; ++i) {
+    if (std::string_view(argv[i]) == "--") return;
+    if (std::string_view(argv[i]) != "--weight") continue;
+    const std::string_view next = i + 1 < argc ? argv[i + 1] : "-?";
+    if (next.size() > 1 && next.front() == '-')
+      throw UsageError("--weight names no variable. Say --weight NAME, or --weight '' to switch weighting off.");
+  }
+}
+
+/// The memory that the whole program is to keep within goes in these parts to the columns and to the values kept for
+/// percentiles; the rest is for text being read, counts, tables and the program itself.
+constexpr std::int64_t kColumnPercent = 40;
+constexpr std::int64_t kPercentilePercent = 30;
+constexpr std::int64_t kLeastMemory = 64'000'000;
+
+void LimitMemory(const std::string& text, Options& options) {
+  const std::optional<std::int64_t> limit = ReadMemorySize(text);
+  if (!limit)
+    throw UsageError(fmt::format(
+        "--memory-limit: \"{}\" is no amount of memory. Say for example 256MB, 1GB, 512MiB, or a number of bytes.",
+        text));
+  if (*limit < kLeastMemory)
+    throw UsageError(fmt::format("--memory-limit: {} is too little to work with; 64MB is the least.", text));
+  options.data.columnMemory = *limit / 100 * kColumnPercent;
+  options.percentileMemory = *limit / 100 * kPercentilePercent;
+}
+
+/// What the option library makes of a flag without a value.
+constexpr const char* kFlagAlone = "true";
+
+TimingForm ReadTimingForm(const std::string& text) {
+  if (text.empty()) return TimingForm::None;
+  if (text == kFlagAlone) return TimingForm::Table;
+  if (text == "json") return TimingForm::Json;
+  throw UsageError(fmt::format("--timing: there is no form \"{}\"; say --timing or --timing=json.", text));
+}
+
 std::string ReadAll(std::istream& in) { return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()}; }
 
 }  // namespace
@@ -90,30 +131,49 @@ Options ReadOptions(int argc, const char* const* argv) {
   std::string outputFile;
   std::string weight;
   std::string resource;
+  std::string memoryLimit;
+  std::string timing;
   int width = 0;
+
+  CheckThatWeightIsNamed(argc, argv);
 
   CLI::App cli(kDescription, "codebook");
   cli.footer(kFooter);
   cli.set_version_flag("--version", "codebook " CODEBOOK_VERSION);
-  cli.add_option("DATA", options.data.path,
-                 "a file (CSV, TSV, Parquet, JSON lines), a datapackage.json, or - for standard input");
+  CLI::Option* const dataOption =
+      cli.add_option("DATA", options.data.path,
+                     "a file (CSV, TSV, Parquet, JSON lines), a datapackage.json, or - for standard input")
+          ->type_name("");
   cli.add_option("-d,--dictionary", dictionary,
-                 "the dictionary: datapackage.json or a Table Schema (else looked for beside the data)");
-  cli.add_option("--resource", resource, "the resource of a datapackage.json that holds several");
+                 "the dictionary: datapackage.json or a Table Schema (else looked for beside the data)")
+      ->type_name("FILE");
+  cli.add_option("--resource", resource, "the resource of a datapackage.json that holds several")->type_name("NAME");
   const CLI::Option* commandOption = cli.add_option("-c,--command", commandText, "the command's text");
-  const CLI::Option* fileOption = cli.add_option("-f,--file", commandFile, "a file of commands, - for standard input");
+  const CLI::Option* fileOption =
+      cli.add_option("-f,--file", commandFile, "a file of commands, - for standard input")->type_name("FILE");
   cli.add_option("-F,--format", format,
-                 "the report's format: " + FormatNames() + " (else by the ending of -o, else text)");
-  cli.add_option("-o,--output", outputFile, "write the report to this file, which appears only when it is whole");
+                 "the report's format: " + FormatNames() + " (else by the ending of -o, else text)")
+      ->type_name("NAME");
+  cli.add_option("-o,--output", outputFile, "write the report to this file, which appears only when it is whole")
+      ->type_name("FILE");
   const CLI::Option* weightOption =
-      cli.add_option("--weight", weight, "weight by this variable; '' switches weighting off")->expected(0, 1);
+      cli.add_option("--weight", weight, "weight by this variable; '' switches weighting off")
+          ->type_name("NAME")
+          ->expected(0, 1);
   cli.add_flag("--strict", options.data.strict, "what does not fit the dictionary is an error");
-  cli.add_option("--threads", options.threads, "threads to use at most (else as many as the machine has)")
+  cli.add_option("--threads", options.threads, "threads to use at most (else as many as the machine gives)")
       ->check(CLI::Range(1, 1024));
   const CLI::Option* widthOption =
       cli.add_option("--width", width, "width of text tables in columns (else the terminal's, else 80)")
           ->check(CLI::Range(20, 10000));
-  cli.add_flag("--timings", options.timings, "print a line of timings to standard error");
+  const CLI::Option* memoryOption =
+      cli.add_option("--memory-limit", memoryLimit,
+                     "memory to keep within, at least 64MB, such as 256MB, 1GB, 512MiB; beyond it columns and\n"
+                     "values for percentiles go to temporary files in TMPDIR")
+          ->type_name("SIZE");
+  cli.add_flag("-q,--quiet", options.quiet, "no progress on the terminal; only warnings and errors are told");
+  cli.add_flag("--timing", timing, "print where the time went to standard error; --timing=json: as JSON");
+  cli.add_flag("--timings{json}", timing)->group("");
   cli.add_option("--chunk-rows", options.data.chunkRows, "cases counted at a time; changes no result")
       ->check(CLI::Range(1, 1 << 30))
       ->group("For tests");
@@ -123,6 +183,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   } catch (const CLI::CallForVersion& version) {
     throw TextWanted{std::string(version.what()) + "\n"};
   } catch (const CLI::CallForHelp&) {
+    dataOption->required();  // for the help alone, see below
     throw TextWanted{cli.help()};
   } catch (const CLI::ParseError& error) {
     throw UsageError(std::string(error.what()) + "\nRun codebook --help for what it takes.");
@@ -142,6 +203,8 @@ Options ReadOptions(int argc, const char* const* argv) {
   if (fileOption->count() > 0) options.commandFile = commandFile;
   if (weightOption->count() > 0) options.data.weight = weight;
   if (widthOption->count() > 0) options.width = width;
+  if (memoryOption->count() > 0) LimitMemory(memoryLimit, options);
+  options.timing = ReadTimingForm(timing);
   options.format = ChooseFormat(format, options.outputFile);
   Check(options);
   return options;

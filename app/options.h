@@ -1,6 +1,7 @@
 // The command line.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -8,6 +9,8 @@
 #include "runtime/data/open.h"
 
 namespace app {
+
+enum class TimingForm { None, Table, Json };
 
 struct Options {
   runtime::data::OpenOptions data;
@@ -17,7 +20,9 @@ struct Options {
   std::optional<std::string> outputFile;   // -o; absent: standard output
   std::optional<int> width;                // of text; absent: the terminal's
   int threads = 0;                         // 0: as many as the machine gives
-  bool timings = false;
+  bool quiet = false;                      // no progress, and no word that is neither warning nor error
+  TimingForm timing = TimingForm::None;
+  std::int64_t percentileMemory = 0;  // bytes that the values kept for percentiles may take; 0: no limit
 };
 
 /// The command line cannot be used as it stands; what() says why and what to do.

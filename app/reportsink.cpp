@@ -14,7 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "app/exitstatus.h"
+#include "app/interrupt.h"
 
 namespace app {
 
@@ -68,32 +68,20 @@ void WriteTo(int descriptor, const std::string& name, const WriteReport& write) 
   if (!stream) throw OutputError(fmt::format("The report could not be written to {}.", name));
 }
 
-// Read by the signal handler, which may only touch what stands ready.
-std::array<char, 4096> temporaryName{};
-volatile std::sig_atomic_t temporaryExists = 0;
-
-extern "C" void EndInterrupted(int /*signal*/) {
-  if (temporaryExists != 0) ::unlink(temporaryName.data());
-  ::_exit(kInterrupted);
-}
-
 /// A file beside the target, removed again unless it was renamed to it.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& target) : fTarget(target) {
     const std::filesystem::path path(target);
-    std::string pattern = (path.parent_path() / ("." + path.filename().string() + ".XXXXXX")).string();
-    if (pattern.size() >= temporaryName.size()) throw OutputError(fmt::format("The name of {} is too long.", target));
-    std::memcpy(temporaryName.data(), pattern.c_str(), pattern.size() + 1);
-    fDescriptor = ::mkstemp(temporaryName.data());
+    const std::string pattern = (path.parent_path() / ("." + path.filename().string() + ".XXXXXX")).string();
+    fDescriptor = MakeTemporaryFile(pattern);
     if (fDescriptor < 0) throw OutputError(fmt::format("{} cannot be written: {}.", target, std::strerror(errno)));
-    temporaryExists = 1;
   }
 
   ~TemporaryFile() {
     if (fDescriptor >= 0) ::close(fDescriptor);
-    if (temporaryExists != 0) ::unlink(temporaryName.data());
-    temporaryExists = 0;
+    if (!fRenamed) ::unlink(TemporaryFileName());
+    ForgetTemporaryFile();
   }
 
   TemporaryFile(const TemporaryFile&) = delete;
@@ -108,14 +96,15 @@ class TemporaryFile {
     const mode_t mode = ::stat(fTarget.c_str(), &old) == 0 ? old.st_mode & 07777 : 0666 & ~mask;
     const bool kept = ::fchmod(fDescriptor, mode) == 0 && ::fsync(fDescriptor) == 0;
     const bool closed = ::close(std::exchange(fDescriptor, -1)) == 0;
-    if (!kept || !closed || ::rename(temporaryName.data(), fTarget.c_str()) != 0)
+    if (!kept || !closed || ::rename(TemporaryFileName(), fTarget.c_str()) != 0)
       throw OutputError(fmt::format("{} cannot be written: {}.", fTarget, std::strerror(errno)));
-    temporaryExists = 0;
+    fRenamed = true;
   }
 
  private:
   std::string fTarget;
   int fDescriptor = -1;
+  bool fRenamed = false;
 };
 
 }  // namespace
@@ -152,11 +141,6 @@ void SecureStandardStreams() {
     if (::fcntl(descriptor, F_GETFD) < 0) (void)!::open("/dev/null", O_RDONLY);
 }
 
-void HandleInterrupts() {
-  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is an error to report, not a reason to die silently
-  struct sigaction action {};
-  action.sa_handler = EndInterrupted;
-  ::sigaction(SIGINT, &action, nullptr);
-}
+void ReportClosedPipes() { std::signal(SIGPIPE, SIG_IGN); }
 
 }  // namespace app

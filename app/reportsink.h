@@ -25,7 +25,7 @@ void WriteReportTo(const std::optional<std::string>& fileName, const WriteReport
 /// Gives closed standard streams a place, so that no file that is opened later takes theirs. To be called first of all.
 void SecureStandardStreams();
 
-/// On an interrupt a temporary file is removed and the program ends with the status of an interrupted one.
-void HandleInterrupts();
+/// A pipe that its reader has closed is from now on an error to report, not a reason to die silently.
+void ReportClosedPipes();
 
 }  // namespace app

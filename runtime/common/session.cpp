@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "runtime/aggregation/binding.h"
+#include "runtime/common/passprogress.h"
 #include "runtime/common/statisticswatch.h"
 #include "runtime/output/binding.h"
 #include "runtime/parser/binding.h"
@@ -46,10 +47,13 @@ class Session::Binding {
     fOutput.report = &session.fReport;
     fOutput.dataset = session.fDataset;
     fOutput.datasetUnusable = session.fDataset == nullptr;
-    fOutput.onCursorOpened = [this, &session, &messages] {
+    fOutput.onCursorOpened = [this, &session, &messages](CaseCursor* cursor) {
       messages.CommandGoesOn();
       fBeforeTables = true;
       if (session.fOptions.onPassBegins) session.fOptions.onPassBegins();
+      if (cursor == nullptr || !session.fOptions.onProgress) return;
+      fProgress.push_back(
+          std::make_unique<PassProgress>(*cursor, session.fDataset->caseCount(), session.fOptions.onProgress));
     };
     fOutput.onTableOpened = [this, &session, &messages](const std::string& title) {
       messages.CommandGoesOn();
@@ -78,12 +82,14 @@ class Session::Binding {
   void Call(const parser::ReadCommand& command, ProcedureEntry entry) {
     fCommand.command = &command;
     fWatch.NoTable();
+    fProgress.clear();
     entry();
     fCommand.command = nullptr;
   }
 
  private:
   StatisticsWatch fWatch;
+  std::vector<std::unique_ptr<PassProgress>> fProgress;  // one a cursor that the present command asked for
   bool fBeforeTables = false;
   parser::CommandBinding fCommand;
   output::OutputBinding fOutput;

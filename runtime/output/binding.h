@@ -7,6 +7,8 @@
 
 #include "runtime/output/model/report.h"
 
+class CaseCursor;
+
 namespace runtime::data {
 class Dataset;
 }
@@ -14,10 +16,11 @@ class Dataset;
 namespace runtime::output {
 
 struct OutputBinding {
-  Report* report = nullptr;                                     // receives procedures and tables
-  std::shared_ptr<const runtime::data::Dataset> dataset;        // the active dataset; null: none
-  bool datasetUnusable = false;                                 // what FatalError tells
-  std::function<void()> onCursorOpened;                         // a procedure asked for the cases
+  Report* report = nullptr;                               // receives procedures and tables
+  std::shared_ptr<const runtime::data::Dataset> dataset;  // the active dataset; null: none
+  bool datasetUnusable = false;                           // what FatalError tells
+  /// A procedure asked for the cases; null when there are none to be had.
+  std::function<void(CaseCursor* cursor)> onCursorOpened;
   std::function<void(const std::string& title)> onTableOpened;  // a procedure opened a table
 };
 

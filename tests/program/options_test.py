@@ -123,13 +123,54 @@ class Options(ProgramTest):
         wide = self.run_program("wide.csv", "-c", LABEL, "--width", "400").out.decode()
         self.assertIn("a long label " * 19 + "a long label", wide)
 
-    def test_timingsAreALineOfJsonOnStandardError(self):
-        result = self.run_program("data.csv", "-c", LITTLE, "--timings")
+    def test_timingIsATableOnStandardError(self):
+        result = self.run_program("data.csv", "-c", LITTLE, "--timing")
         self.assert_status(result, 0)
+        first, head, *rows, memory = result.messages().splitlines()
+        self.assertEqual(first, "codebook: where the time went")
+        self.assertEqual(head.split(), ["wall", "s", "CPU", "s"])
+        self.assertEqual([row.split()[0] for row in rows], ["read", "pass", "percentiles", "tables", "write", "total"])
+        self.assertEqual({len(row) for row in rows}, {len(head)})
+        for row in rows:
+            self.assertRegex(row, r" +\d+\.\d{3} +\d+\.\d{3}\Z")
+        self.assertRegex(memory, r"\A  peak memory +\d+\.\d MB\Z")
+
+    def test_timingAsJsonIsALineOnStandardError(self):
+        result = self.run_program("data.csv", "-c", LITTLE, "--timing=json")
+        self.assert_status(result, 0)
+        (line,) = result.messages().splitlines()
         prefix = "codebook: timings: "
-        lines = [line for line in result.messages().splitlines() if line.startswith(prefix)]
-        self.assertEqual(len(lines), 1, repr(result))
-        self.assertLessEqual({"read", "total"}, set(json.loads(lines[0][len(prefix):])))
+        self.assertTrue(line.startswith(prefix), repr(result))
+        timings = json.loads(line[len(prefix):])
+        self.assertEqual(list(timings), ["read", "pass", "percentiles", "tables", "write", "total", "memory"])
+        stages = [timings[stage] for stage in ("read", "pass", "percentiles", "tables", "write")]
+        for clock in ("wall", "cpu"):
+            self.assertGreaterEqual(timings["total"][clock] + 1e-4, sum(stage[clock] for stage in stages))
+        self.assertGreater(timings["total"]["wall"], 0)
+        self.assertGreater(timings["memory"], 1_000_000)
+
+    def test_timingTellsTheStagesApart(self):
+        self.write("long.csv", "a,b\n" + "1,0.25\n2,7.5\n" * 100_000)
+        result = self.run_program("long.csv", "--timing=json", "-c", "CODEBOOK /STATISTICS COUNT MEAN QUARTILES.")
+        timings = json.loads(result.messages().removeprefix("codebook: timings: "))
+        for stage in ("read", "pass", "tables", "write"):
+            self.assertGreater(timings[stage]["wall"], 0, stage)
+        self.assertGreater(timings["read"]["cpu"], timings["write"]["cpu"])
+
+    def test_quietRunSaysNothingButWarningsAndErrors(self):
+        for option in ("-q", "--quiet"):
+            self.assert_done(self.run_program("data.csv", "-c", " ", option))
+            warned = self.run_program("data.csv", "-c", "CODEBOOK /STATISTICS NONE /FILEINFO.", option)
+            self.assert_says(warned, "codebook: warning: ")
+            self.assert_says(self.run_program("nosuch.csv", option), "codebook: error: ")
+        self.assert_says(self.run_program("data.csv", "-c", " "), "no command")
+
+    def test_memoryLimitTakesAmountsOfMemory(self):
+        plain = self.run_program("data.csv").out
+        for amount in ("64MB", "64000000", "512MiB", "1GB", "1.5gb"):
+            result = self.run_program("data.csv", "--memory-limit", amount)
+            self.assert_done(result)
+            self.assertEqual(result.out, plain)
 
     def test_strictMakesMisfitsErrors(self):
         self.write("data.schema.json", '{"fields": [{"name": "a"}, {"name": "b", "type": "integer"}]}')
@@ -142,7 +183,7 @@ class Options(ProgramTest):
         result = self.run_program("--help")
         self.assert_done(result)
         for word in ("-d,--dictionary", "--resource", "-c,--command", "-f,--file", "-F,--format", "-o,--output", "--weight", "--strict",
-                     "--threads", "--width", "--timings", "--version", "130 interrupted", "CODEBOOK /FILEINFO NAME LOCATION"):
+                     "--threads", "--width", "--memory-limit", "-q,--quiet", "--timing", "--version", "codebook [OPTIONS] DATA", "130 interrupted", "CODEBOOK /FILEINFO NAME LOCATION"):
             self.assertIn(word, result.out.decode())
 
     def test_versionIsNameAndNumber(self):
@@ -179,6 +220,21 @@ class WrongUse(ProgramTest):
 
     def test_optionWithoutItsValue(self):
         self.refused(("data.csv", "-c"), "-c", "--help")
+
+    def test_weightThatNamesNoVariable(self):
+        for arguments in (("data.csv", "--weight"), ("data.csv", "--weight", "-c", LITTLE), ("--weight",)):
+            self.refused(arguments, "--weight", "--weight ''")
+
+    def test_memoryLimitThatIsNoAmount(self):
+        for amount in ("lots", "-1GB", "1XB", "256M", "1e9", "99999999TB"):
+            self.refused(("data.csv", f"--memory-limit={amount}"), "--memory-limit", "256MB")
+
+    def test_memoryLimitThatIsTooLow(self):
+        for amount in ("63MB", "63999999", "0", "1KB"):
+            self.refused(("data.csv", "--memory-limit", amount), amount, "64MB")
+
+    def test_formOfTimingThatIsNotKnown(self):
+        self.refused(("data.csv", "--timing=xml"), "--timing", '"xml"', "json")
 
     def test_unknownFormat(self):
         self.refused(("data.csv", "-F", "pdf"), '"pdf"', "text", "json")

@@ -35,9 +35,9 @@ const MAVO_DataSource* ProcedureDataSource::Parent() const { return nullptr; }
 int ProcedureDataSource::GetWeightVarIndex() const { return WeightIndex(); }
 
 MAVO_InputCaseIterator* ProcedureDataSource::NewCaseIterator(int) {
-  const OutputBinding* output = CurrentOutput();
-  if (output != nullptr && output->onCursorOpened) output->onCursorOpened();
   std::unique_ptr<CaseCursor> cursor = NewCursor();
+  const OutputBinding* output = CurrentOutput();
+  if (output != nullptr && output->onCursorOpened) output->onCursorOpened(cursor.get());
   if (cursor == nullptr) return nullptr;
   return std::make_unique<ProcDSIterator>(*this, std::move(cursor)).release();
 }

@@ -176,5 +176,21 @@ TEST(Session, tellsWhenThePassAndTheTablesBegin) {
   EXPECT_THAT(stages, ElementsAre("pass", "tables"));
 }
 
+void passTheCases() {
+  ProcedureDataSource source;
+  const std::unique_ptr<MAVO_InputCaseIterator> cases(source.NewCaseIterator(0));
+  while (cases->NextCase() != 0) {
+  }
+}
+
+TEST(Session, tellsHowFarAPassHasCome) {
+  std::vector<std::int64_t> counted;
+  SessionOptions options;
+  options.onProgress = [&counted](const machine::Progress& progress) { counted.push_back(progress.cases); };
+  Session session(labelled("x"), {{"P", &passTheCases}}, options);
+  session.Run("P.\nP.\n");
+  EXPECT_THAT(counted, ElementsAre(3, 3));
+}
+
 }  // namespace
 }  // namespace runtime::common

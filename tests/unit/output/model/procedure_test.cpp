@@ -2,7 +2,9 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "host/output/proceduredatasource.h"
@@ -15,6 +17,8 @@ using runtime::data::DatasetBuilder;
 using runtime::output::BindOutput;
 using runtime::output::FormatSpecText;
 using runtime::output::OutputBinding;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 namespace {
 
@@ -120,13 +124,14 @@ TEST_F(ProcedureSource, givesItsOwnIteratorAndTellsOfIt) {
   builder.AddNumeric("w", {1, 2, 3});
   builder.Weight("w");
   Bind(builder.Build());
-  int opened = 0;
-  binding.onCursorOpened = [&] { ++opened; };
+  std::vector<const CaseCursor*> opened;
+  binding.onCursorOpened = [&](const CaseCursor* cursor) { opened.push_back(cursor); };
   ProcedureDataSource source;
   EXPECT_EQ(source.GetWeightVarIndex(), 1);
-  EXPECT_EQ(opened, 0);
+  EXPECT_THAT(opened, IsEmpty());
   const std::unique_ptr<MAVO_InputCaseIterator> cases(source.NewCaseIterator(0));
-  EXPECT_EQ(opened, 1);
+  ASSERT_NE(cases, nullptr);
+  EXPECT_THAT(opened, ElementsAre(&cases->Cursor()));
   auto* iterator = dynamic_cast<ProcDSIterator*>(cases.get());
   ASSERT_NE(iterator, nullptr);
   EXPECT_FALSE(iterator->SplitGroupEnd());
