@@ -3,8 +3,10 @@
 //   survey_generator ROWS COLUMNS FOLDER NAME    writes FOLDER/NAME.csv and FOLDER/NAME.schema.json
 //
 // Of every 20 columns 16 hold answer codes 1 to 7, with 3 % of -9 (declared missing) and 5 % blank; 3 hold numbers (two
-// like sums of money with two decimals, one like a measurement with all its digits); 1 holds short texts, of 1,000
-// different ones, the frequent ones much more often than the rare.
+// like sums of money with two decimals, one like a measurement with all its digits); 1 holds short texts, of 150
+// different ones (few enough for a codebook to count), the frequent ones much more often than the rare. The twelfth
+// column of all, a number, is weight12: from 0.2 to 5 with four decimals, for weighted runs on the same data; the
+// dictionary does not name it as the weight.
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -19,11 +21,13 @@
 namespace {
 
 constexpr std::uint64_t kSeed = 20240229;
-constexpr int kDistinctTexts = 1000;
+constexpr int kDistinctTexts = 150;
+constexpr int kWeightColumn = 11;
 
-enum class Kind { Code, Money, Measurement, Text };
+enum class Kind { Code, Money, Measurement, Weight, Text };
 
 Kind KindOf(int column) {
+  if (column == kWeightColumn) return Kind::Weight;
   switch (column % 20) {
     case 4:
     case 11:
@@ -99,7 +103,7 @@ class Output {
   std::string fBuffer;
 };
 
-/// Three to eight letters each; two may be the same.
+/// Three to eight letters each; with this seed no two are the same.
 std::vector<std::string> DistinctTexts() {
   Random random(kSeed);
   std::vector<std::string> texts(kDistinctTexts);
@@ -119,6 +123,8 @@ std::string NameOf(int column) {
       return "income" + std::to_string(column + 1);
     case Kind::Measurement:
       return "measured" + std::to_string(column + 1);
+    case Kind::Weight:
+      return "weight" + std::to_string(column + 1);
     case Kind::Text:
       break;
   }
@@ -143,6 +149,14 @@ void WriteCell(Kind kind, Random& random, const std::vector<std::string>& texts,
     }
     case Kind::Measurement:
       return out.Digits(static_cast<double>(random.Next() >> 11U) * 0x1p-53 * 200.0 - 50.0);
+    case Kind::Weight: {
+      const std::uint32_t tenThousandths = 2'000 + random.Below(48'001);
+      out.Digits(tenThousandths / 10'000);
+      out.Character('.');
+      for (std::uint32_t unit = 1'000; unit > 0; unit /= 10)
+        out.Character(static_cast<char>('0' + tenThousandths / unit % 10));
+      return;
+    }
     case Kind::Text: {
       // The product of two even draws is small more often than not.
       const std::uint32_t drawn = random.Below(kDistinctTexts) * random.Below(kDistinctTexts) / kDistinctTexts;
@@ -191,6 +205,7 @@ void WriteDictionary(int columns, const std::string& path) {
         break;
       case Kind::Money:
       case Kind::Measurement:
+      case Kind::Weight:
         out.Text("\"type\": \"number\", \"codebook\": {\"measure\": \"scale\"}}");
         break;
       case Kind::Text:
