@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
+#include <utility>
+
+#include "runtime/data/csv/bitsofword.h"
+#include "runtime/data/csv/quotewalk.h"
 
 namespace runtime::data {
 
@@ -10,11 +13,40 @@ namespace {
 
 constexpr std::size_t kBitsOfWord = StructureMarks::kBytesOfWord;
 
-/// The bits from `bit` on.
-std::uint64_t From(std::size_t bit) { return ~std::uint64_t{0} << bit; }
-/// The bits below the lowest that is set; all when none is.
-std::uint64_t BelowLowest(std::uint64_t bits) { return ~bits & (bits - 1); }
-std::size_t Lowest(std::uint64_t bits) { return static_cast<std::size_t>(std::countr_zero(bits)); }
+/// Writes the cells of a row as far as it has columns.
+struct CellWriter {
+  const char* text;  // of the block
+  char quote;
+  Cell* row;
+  std::size_t columns;
+  std::uint32_t begin;  // of the current cell
+  std::size_t filled;   // cells so far, also those past the last column
+
+  /// Takes the cells that end at `ends` of the word at `place`. With `kMayBeQuoted` those that begin with a quote lose
+  /// it, and the one at their end.
+  template <bool kMayBeQuoted>
+  void Write(std::uint32_t place, std::uint64_t ends) {
+    if (filled + kBitsOfWord <= columns)
+      Put<kMayBeQuoted, false>(place, ends);
+    else
+      Put<kMayBeQuoted, true>(place, ends);
+  }
+
+ private:
+  template <bool kMayBeQuoted, bool kMayBeFull>
+  void Put(std::uint32_t place, std::uint64_t ends) {
+    for (; ends != 0; ends &= ends - 1) {
+      const auto end = place + static_cast<std::uint32_t>(std::countr_zero(ends));
+      if (!kMayBeFull || filled < columns) {
+        // What stands behind the end of the text is no quote, whatever it is.
+        const std::uint32_t quotes = kMayBeQuoted && text[begin] == quote && begin != end ? 1 : 0;
+        row[filled] = {begin + quotes, end - begin - 2 * quotes};
+      }
+      ++filled;
+      begin = end + 1;
+    }
+  }
+};
 
 /// Cells from one row to the next. Rows of more than a few cells begin with a cache line of their own and are an odd
 /// number of lines apart, so that the cells of one column spread over all sets of the cache.
@@ -90,7 +122,6 @@ void SegmentScanner::CutRows() {
     const std::int64_t line = fFindings.lineEnds;
     if (fRows == fLines.size()) MakeRoom();
     fRow = fCells.data() + fRows * fStride;
-    fFilled = 0;
     if (CutRecord() == Cut::Stopped) return;
     fFindings.NoteRow();
     fLines[fRows++] = line;
@@ -108,41 +139,90 @@ void SegmentScanner::MakeRoom() {
 }
 
 SegmentScanner::Cut SegmentScanner::CutRecord() {
-  if (MaySkipBlanks()) return CutRestOfRecord(fAt);
+  fFilled = 0;
   std::size_t word = WordOf(fAt);
-  if (fMarks.end() - fBase > fLimits.placeReach) return CutRestOfRecord(fAt);
-  auto begin = static_cast<std::uint32_t>(fAt - fBase);
-  std::uint64_t from = From((fAt - fMarks.begin) % kBitsOfWord);
+  if (MaySkipBlanks() || IsBeyondReach()) return CutRestOfRecord(fAt);
+  std::uint64_t from = BitsFrom((fAt - fMarks.begin) % kBitsOfWord);
+  QuoteWalk quotes(fDialect.doubleQuote);
+  quotes.EnterAt(fMarks.quotes[word] & from);
+  CellWriter writer{fText.data() + fBase, fDialect.quote, fRow, fColumns, static_cast<std::uint32_t>(fAt - fBase), 0};
+  std::int64_t linesOfCell = 0;  // that ended in quotes of the current cell
   while (true) {
-    const std::uint64_t openings = fMarks.openings[word] & from;
-    std::uint64_t ends = fMarks.cellEnds[word] & from & BelowLowest(openings);
-    const std::uint64_t lineEnds = fMarks.lineEnds[word] & ends;
-    ends &= BelowLowest(lineEnds) << 1 | 1;
+    std::uint64_t ends = fMarks.cellEnds[word] & from;
+    std::uint64_t stray = 0;
+    std::uint64_t special = 0;
     const std::size_t wordBegin = fMarks.begin + word * kBitsOfWord;
     const auto wordPlace = static_cast<std::uint32_t>(wordBegin - fBase);
-    for (; ends != 0; ends &= ends - 1) {
-      const auto end = wordPlace + static_cast<std::uint32_t>(std::countr_zero(ends));
-      if (fFilled < fColumns) fRow[fFilled] = {begin, end - begin};
-      ++fFilled;
-      begin = end + 1;
+    std::uint64_t lineEnds = 0;
+    if (!quotes.concernsWord()) {
+      lineEnds = fMarks.lineEnds[word] & ends;
+      writer.Write<false>(wordPlace, ends & BitsUpToLowest(lineEnds));
+    } else if (quotes.IsSpecialBefore(fMarks.cellEnds[word])) {
+      special = 1;
+    } else {
+      const std::uint64_t within = quotes.Within();
+      stray = quotes.Stray(within, fMarks.openings[word]);
+      special = quotes.Special(within, fMarks.cellEnds[word]) & BitsBelowLowest(stray);
+      if (special != 0) stray = 0;
+      ends &= ~within & BitsBelowLowest(stray | special);
+      lineEnds = fMarks.lineEnds[word] & ends;
+      ends &= BitsUpToLowest(lineEnds);
+      writer.Write<true>(wordPlace, ends);
+      const std::uint64_t ended = BitsUpToHighest(ends);
+      if (const std::uint64_t linesWithin = fMarks.lineEnds[word] & within & from; (linesWithin | ended) != 0) {
+        if (ended != 0) fFindings.lineEnds += std::exchange(linesOfCell, 0);
+        if (linesWithin != 0) {
+          fFindings.lineEnds += std::popcount(linesWithin & ended);
+          linesOfCell += std::popcount(linesWithin & ~ended);
+        }
+      }
+      from &= ~ended;
     }
     if (lineEnds != 0) {
-      EndRecord(wordBegin + Lowest(lineEnds));
+      fFilled = writer.filled;
+      EndRecord(wordBegin + PlaceOfLowest(lineEnds));
       return Cut::Whole;
     }
-    std::size_t at = wordBegin + kBitsOfWord;
-    if (openings != 0) {
-      if (!TakeQuotedCell(wordBegin + Lowest(openings))) return Cut::Stopped;
-      if (fCellEnd == fText.size() || fText[fCellEnd] != fDialect.delimiter) {
+    if (stray != 0) {
+      linesOfCell = 0;
+      quotes.LeaveOut(stray);
+      continue;
+    }
+    const std::size_t begin = fBase + writer.begin;
+    const bool isUnclosed = word + 1 == fMarks.words && fMarks.end() > fText.size();
+    if (special != 0 || isUnclosed) {
+      // The text ends within quotes, or the cell is one for a closer look.
+      fFilled = writer.filled;
+      if (!TakeQuotedCell(begin)) return Cut::Stopped;
+      if (IsAtLineEnd()) {
         EndRecord(fCellEnd);
         return Cut::Whole;
       }
-      at = fCellEnd + 1;
-      begin = static_cast<std::uint32_t>(at - fBase);
+      const std::size_t next = fCellEnd + 1;
+      word = WordOf(next);
+      if (IsBeyondReach()) return CutRestOfRecord(next);
+      from = BitsFrom((next - fMarks.begin) % kBitsOfWord);
+      quotes.EnterAt(fMarks.quotes[word] & from);
+      writer.begin = static_cast<std::uint32_t>(next - fBase);
+      writer.filled = fFilled;
+      linesOfCell = 0;
+      continue;
     }
-    word = WordOf(at);
-    from = From((at - fMarks.begin) % kBitsOfWord);
-    if (fMarks.end() - fBase > fLimits.placeReach) return CutRestOfRecord(fBase + begin);
+    quotes.Leave();
+    if (++word == fMarks.words) {
+      if (fBeginIsGuessed && quotes.isInside() && fMarks.end() - begin > fLimits.guessedQuoteReach) {
+        fGaveUp = true;
+        return Cut::Stopped;
+      }
+      MarkFrom(fMarks.end(), false);
+      word = 0;
+      if (IsBeyondReach()) {
+        fFilled = writer.filled;
+        return CutRestOfRecord(begin);
+      }
+    }
+    from = ~std::uint64_t{0};
+    quotes.GoOn(fMarks.quotes[word]);
   }
 }
 
@@ -156,7 +236,7 @@ SegmentScanner::Cut SegmentScanner::CutRestOfRecord(std::size_t begin) {
       fCellEnd = FindCellEnd(std::max(begin, fMarks.begin));
       Put({begin, fCellEnd});
     }
-    if (fCellEnd == fText.size() || fText[fCellEnd] != fDialect.delimiter) {
+    if (IsAtLineEnd()) {
       EndRecord(fCellEnd);
       return Cut::Whole;
     }
@@ -195,16 +275,16 @@ bool SegmentScanner::FindClosingQuote(std::size_t open, std::size_t& closing, bo
       return false;
     }
     const std::size_t word = WordOf(at);
-    const std::uint64_t from = From((at - fMarks.begin) % kBitsOfWord);
+    const std::uint64_t from = BitsFrom((at - fMarks.begin) % kBitsOfWord);
     const std::uint64_t quotes = fMarks.quotes[word] & from;
-    const std::uint64_t lineEnds = fMarks.lineEnds[word] & from & BelowLowest(quotes);
+    const std::uint64_t lineEnds = fMarks.lineEnds[word] & from & BitsBelowLowest(quotes);
     if (lineEnds != 0) fFindings.lineEnds += std::popcount(lineEnds);
     const std::size_t wordBegin = fMarks.begin + word * kBitsOfWord;
     if (quotes == 0) {
       at = wordBegin + kBitsOfWord;
       continue;
     }
-    closing = wordBegin + Lowest(quotes);
+    closing = wordBegin + PlaceOfLowest(quotes);
     if (!fDialect.doubleQuote || closing + 1 >= fText.size() || fText[closing + 1] != fDialect.quote) return true;
     hasDoubled = true;
     at = closing + 2;
@@ -260,6 +340,8 @@ void SegmentScanner::MarkFrom(std::size_t begin, bool atRecord) {
 }
 
 std::size_t SegmentScanner::WordOf(std::size_t at) {
+  // Back, for a cell of which is only seen later that it needs a closer look.
+  if (at < fMarks.begin) MarkFrom(at, false);
   while (at >= fMarks.end()) MarkFrom(fMarks.end(), false);
   return (at - fMarks.begin) / kBitsOfWord;
 }
@@ -267,9 +349,9 @@ std::size_t SegmentScanner::WordOf(std::size_t at) {
 std::size_t SegmentScanner::FindCellEnd(std::size_t from) {
   while (true) {
     const std::size_t word = WordOf(from);
-    const std::uint64_t ends = fMarks.cellEnds[word] & From((from - fMarks.begin) % kBitsOfWord);
+    const std::uint64_t ends = fMarks.cellEnds[word] & BitsFrom((from - fMarks.begin) % kBitsOfWord);
     const std::size_t wordBegin = fMarks.begin + word * kBitsOfWord;
-    if (ends != 0) return wordBegin + Lowest(ends);
+    if (ends != 0) return wordBegin + PlaceOfLowest(ends);
     from = wordBegin + kBitsOfWord;
   }
 }

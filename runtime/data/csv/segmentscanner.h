@@ -82,11 +82,15 @@ class SegmentScanner {
   void EndRecord(std::size_t lineEnd);
 
   void MarkFrom(std::size_t begin, bool atRecord);
-  /// The word of the window in which `at` stands; makes windows up to there.
+  /// The word of the window in which `at` stands; makes the window when it is another.
   std::size_t WordOf(std::size_t at);
   std::size_t FindCellEnd(std::size_t from);
   std::size_t BehindLineEnd(std::size_t lineEnd) const;
   bool EndsCell(char c) const { return c == fDialect.delimiter || c == '\n' || c == '\r'; }
+  /// Whether the cell last taken is the last of its record.
+  bool IsAtLineEnd() const { return fCellEnd == fText.size() || fText[fCellEnd] != fDialect.delimiter; }
+  /// Whether cells of the window may stand too far from the begin of the block for places.
+  bool IsBeyondReach() const { return fMarks.end() - fBase > fLimits.placeReach; }
   bool MaySkipBlanks() const { return fDialect.skipInitialSpace && fDialect.delimiter != ' '; }
 
   std::string_view fText;

@@ -358,6 +358,7 @@ TEST(Segment, isGivenUpWhenAQuoteBehindAGuessedBeginGoesFar) {
   const PaddedText padded(text);
   ScanLimits limits;
   limits.guessedQuoteReach = 1000;
+  limits.windowWords = 4;
   SegmentScanner scanner(padded.text(), {}, 2, limits);
   CellBlock block;
   scanner.Begin(0, text.size(), SegmentScanner::BeginIs::Guessed);
