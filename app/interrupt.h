@@ -5,9 +5,10 @@
 
 namespace app {
 
-/// From now on an interrupt (Ctrl-C, a request to terminate, a terminal that is closed unless that is to be ignored)
-/// ends the program at once, whatever its threads are at, with the status of an interrupted one. It takes the progress
-/// line from the terminal, removes the temporary file, and says so on standard error unless it is to be quiet.
+/// From now on an interrupt (Ctrl-C, also where a shell has its background jobs ignore it; a request to terminate; a
+/// terminal that is closed, unless that is to be ignored) ends the program at once, whatever its threads are at, with
+/// the status of an interrupted one. It takes the progress line from the terminal, removes the temporary file, and says
+/// so on standard error unless it is to be quiet.
 void HandleInterrupts();
 
 /// An interrupt is not spoken of.

@@ -37,7 +37,7 @@ constexpr const char* kFooter =
     "  zcat survey.csv.gz | codebook - -d survey.schema.json --weight wgt\n"
     "\n"
     "Exit status: 0 done, 1 a command stopped with an error, 2 wrong use of the command line, 3 data or dictionary\n"
-    "could not be read, 4 output could not be written, 70 an internal check failed, 130 interrupted.";
+    "could not be read, 4 output or a temporary file could not be written, 70 an internal check failed, 130 interrupted.";
 
 std::string FormatNames() {
   std::string names;

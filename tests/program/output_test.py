@@ -3,11 +3,9 @@
 import json
 import os
 import shutil
-import signal
 import stat
 import subprocess
 import tempfile
-import time
 import unittest
 
 from program import LITTLE, PROGRAM, ProgramTest
@@ -138,54 +136,6 @@ class Output(ProgramTest):
             self.assertEqual(json.loads(self.read("pipe.json"))["format"], "codebook-report/1")
             self.assertEqual(run.wait(), 0)
         self.assertTrue(stat.S_ISFIFO(os.stat(self.path("pipe.json")).st_mode))
-
-
-class Interrupt(ProgramTest):
-    def interrupted(self, arguments, ready):
-        """Status and output of a run that was interrupted once `ready` returned; what it gave is closed afterwards."""
-        with subprocess.Popen([PROGRAM, *arguments], cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as run:
-            keep = ready(run)
-            run.send_signal(signal.SIGINT)
-            out, err = run.communicate(timeout=60)
-            if keep:
-                keep.close()
-            return run.returncode, out, err
-
-    def test_interruptWhileDataAreReadIs130AndLeavesTheOlderFile(self):
-        os.mkdir(self.path("out"))
-        self.write("out/report.json", "older")
-        os.mkfifo(self.path("data.csv"))
-
-        def write_some(_):
-            pipe = open(self.path("data.csv"), "wb", buffering=0)  # waits until the program has opened it
-            pipe.write(b"a,b\n1,2\n")
-            time.sleep(0.2)
-            return pipe
-
-        status, out, _ = self.interrupted(("data.csv", "-o", "out/report.json"), write_some)
-        self.assertEqual((status, out), (130, b""))
-        self.assertEqual(self.read("out/report.json"), b"older")
-        self.assertEqual(os.listdir(self.path("out")), ["report.json"])
-
-    def test_interruptWhileStandardInputIsReadIs130(self):
-        with subprocess.Popen([PROGRAM, "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as run:
-            run.stdin.write(b"a,b\n1,2\n")
-            run.stdin.flush()
-            time.sleep(0.5)
-            run.send_signal(signal.SIGINT)
-            self.assertEqual(run.wait(60), 130)
-            self.assertEqual(run.stdout.read(), b"")
-            run.stdin.close()
-
-    def test_interruptWhileTheReportIsWrittenIs130(self):
-        self.write("big.csv", "\n".join([",".join(f"v{i}" for i in range(2000))] + [",".join("1" * 2000)] * 3))
-
-        def first_bytes(run):
-            run.stdout.read(1)  # the report has begun, and nobody reads on: the program waits at the full pipe
-            time.sleep(0.2)
-
-        status, _, _ = self.interrupted(("big.csv", "-F", "json"), first_bytes)
-        self.assertEqual(status, 130)
 
 
 if __name__ == "__main__":
