@@ -5,11 +5,14 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "runtime/data/store/columnstore.h"
+#include "runtime/data/store/numericpart.h"
+#include "runtime/data/store/stringtable.h"
 
 namespace runtime::data {
 
 namespace {
+
+constexpr std::size_t kRowsOfGroup = 16'384;
 
 MAVO_Format MakeFormat(FormatType type, int width, int decimals) {
   return {static_cast<std::uint16_t>(width), static_cast<std::uint8_t>(type), static_cast<std::uint8_t>(decimals)};
@@ -202,9 +205,7 @@ DatasetBuilder& DatasetBuilder::BlockRows(std::int64_t rows) {
 }
 
 std::shared_ptr<const Dataset> DatasetBuilder::Build(std::int64_t chunkRows) {
-  const std::int64_t blockRows = fBlockRows > 0 ? fBlockRows : RowsPerBlock(fVariables.size());
-  std::vector<StoredColumn> columns;
-  columns.reserve(fVariables.size());
+  const std::size_t rows = fVariables.empty() ? 0 : fVariables.front().cellCount();
   for (VariableBuilder& variable : fVariables) {
     VariableRecord& record = variable.fRecord;
     if (!variable.fHasFormat)
@@ -215,29 +216,53 @@ std::shared_ptr<const Dataset> DatasetBuilder::Build(std::int64_t chunkRows) {
     if (!variable.fIsString && !variable.fNumberLabels.empty())
       record.valueLabels = NumberLabels(variable.fNumberLabels);
 
-    if (variable.fIsString) {
-      StringColumnBuilder column(blockRows);
-      for (const std::string& text : variable.fTexts) column.Append(text);
-      columns.push_back(column.Finish());
-    } else {
-      NumericColumnBuilder column(blockRows);
-      column.Append(variable.fNumbers.data(), variable.fNumbers.size());
-      columns.push_back(column.Finish());
-    }
+    if (variable.cellCount() != rows) throw std::invalid_argument("columns of different length");
     fDictionary.variables.push_back(std::make_shared<const VariableRecord>(std::move(record)));
   }
   fDictionary.IndexNames();
 
-  const std::int64_t rows = columns.empty() ? 0 : columns.front().rows();
-  for (const StoredColumn& column : columns)
-    if (column.rows() != rows) throw std::invalid_argument("columns of different length");
   if (!fWeight.empty()) {
     fDictionary.weight = fDictionary.FindVariable(fWeight);
     if (fDictionary.weight < 0) throw std::invalid_argument("no variable to weight by: " + fWeight);
-    if (columns[static_cast<std::size_t>(fDictionary.weight)].isString())
+    if (fVariables[static_cast<std::size_t>(fDictionary.weight)].fIsString)
       throw std::invalid_argument("a string variable to weight by: " + fWeight);
   }
-  return std::make_shared<ColumnarDataset>(std::move(fDictionary), std::move(columns), rows, chunkRows);
+  return std::make_shared<ColumnarDataset>(std::move(fDictionary), StoreColumns(rows), static_cast<std::int64_t>(rows),
+                                           chunkRows);
+}
+
+std::vector<StoredColumn> DatasetBuilder::StoreColumns(std::size_t rows) const {
+  const auto groups = std::make_shared<RowGroups>(std::make_shared<ColumnMemory>());
+  std::vector<StoredColumn> columns;
+  std::vector<std::shared_ptr<ArenaStringTable>> tables;
+  for (const VariableBuilder& variable : fVariables) {
+    tables.push_back(variable.fIsString ? std::make_shared<ArenaStringTable>() : nullptr);
+    columns.push_back({groups, columns.size(), tables.back()});
+  }
+
+  const std::size_t groupRows = fBlockRows > 0 ? static_cast<std::size_t>(fBlockRows) : kRowsOfGroup;
+  std::vector<NumericPart> numbers(fVariables.size());
+  for (std::size_t first = 0; first < rows; first += groupRows) {
+    RowGroup group(std::min(groupRows, rows - first));
+    for (std::size_t i = 0; i < fVariables.size(); ++i) {
+      const VariableBuilder& variable = fVariables[i];
+      numbers[i].Clear();
+      if (!variable.fIsString) numbers[i].AppendDoubles(variable.fNumbers.data() + first, group.rows());
+      group.AddColumn(variable.fIsString ? ColumnStorage::StringCode : numbers[i].storage());
+    }
+    group.Allocate();
+    for (std::size_t i = 0; i < fVariables.size(); ++i) {
+      if (!fVariables[i].fIsString) {
+        std::memcpy(group.Cells(i), numbers[i].cells(), numbers[i].bytes());
+        continue;
+      }
+      auto* const codes = reinterpret_cast<std::uint32_t*>(group.Cells(i));
+      for (std::size_t row = 0; row < group.rows(); ++row)
+        codes[row] = tables[i]->Enter(fVariables[i].fTexts[first + row]);
+    }
+    groups->Append(std::move(group));
+  }
+  return columns;
 }
 
 }  // namespace runtime::data

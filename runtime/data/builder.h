@@ -13,6 +13,7 @@
 #include "host/data/variableset.h"
 
 #include "runtime/data/dataset.h"
+#include "runtime/data/store/columnardataset.h"
 
 namespace runtime::data {
 
@@ -40,6 +41,8 @@ class VariableBuilder {
 
  private:
   friend class DatasetBuilder;
+
+  std::size_t cellCount() const { return fIsString ? fTexts.size() : fNumbers.size(); }
 
   bool fIsString;
   std::vector<double> fNumbers;
@@ -71,7 +74,7 @@ class DatasetBuilder {
   DatasetBuilder& Label(std::string label);
   DatasetBuilder& AddDocument(std::vector<std::string> lines);
   DatasetBuilder& Attribute(std::string name, std::vector<std::string> values);
-  /// Rows of a block of the store; without it RowsPerBlock. Small blocks let a small test cross their borders.
+  /// Rows of a group of the store. Small groups let a small test cross their borders.
   DatasetBuilder& BlockRows(std::int64_t rows);
 
   /// The dataset; a cursor hands out at most `chunkRows` rows at once, 0 for a whole block. Throws
@@ -79,6 +82,8 @@ class DatasetBuilder {
   std::shared_ptr<const Dataset> Build(std::int64_t chunkRows = 0);
 
  private:
+  std::vector<StoredColumn> StoreColumns(std::size_t rows) const;
+
   std::deque<VariableBuilder> fVariables;
   Dictionary fDictionary;
   std::string fWeight;

@@ -11,7 +11,7 @@
 #include "runtime/data/dictionary/assemble.h"
 #include "runtime/data/dictionary/readdictionary.h"
 #include "runtime/data/source/tablesource.h"
-#include "runtime/data/store/columnstore.h"
+#include "runtime/data/store/columnardataset.h"
 #include "runtime/data/typing/quotedcell.h"
 #include "runtime/data/typing/sourcereading.h"
 
@@ -93,12 +93,16 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
   const std::string& dataPath = input.dataPaths.front();
 
   std::vector<const FieldDescriptor*> fields;
-  const PlanColumns plan = [&](const std::vector<std::string>& headers) {
+  const PlanColumns plan = [&](const std::vector<std::string>& headers, std::vector<Note>& notesOfPlan) {
     fields.assign(headers.size(), nullptr);
-    if (descriptor != nullptr) fields = MatchFields(*descriptor, headers, options.strict, notes);
+    if (descriptor != nullptr) fields = MatchFields(*descriptor, headers, options.strict, notesOfPlan);
     return PlanFor(descriptor, fields);
   };
 
+  ReadingOptions reading;
+  reading.strict = options.strict;
+  reading.manner = {options.pool.get(), options.segmentBytes, options.onProgress};
+  if (options.columnMemory > 0) reading.memory->left = options.columnMemory;
   TypedTable table;
   if (IsTableFile(dataPath)) {
     if (input.dataPaths.size() > 1)
@@ -106,10 +110,10 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
     const auto source = OpenTableFile(dataPath, options.pool ? options.pool->threads() : 1);
     std::vector<std::string> names;
     for (const SourceColumn& column : source->columns()) names.push_back(column.name);
-    table = ReadSource(*source, plan(names), dataPath, options.strict, notes);
+    table = ReadSource(*source, plan(names, notes), dataPath, reading, notes);
   } else {
     const TextDialect dialect = descriptor ? descriptor->dialect : TextDialect{};
-    table = ReadCsv(input.dataPaths, dialect, plan, options.strict, notes);
+    table = ReadCsv(input.dataPaths, dialect, plan, reading, notes);
   }
 
   std::vector<DescribedColumn> described;

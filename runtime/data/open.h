@@ -1,6 +1,7 @@
 // Opening a dataset: data file + dictionary.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -38,6 +39,7 @@ struct OpenOptions {
   /// Bytes of memory that the columns may take; what is beyond goes to a temporary file. 0: no limit.
   std::int64_t columnMemory = 0;
   machine::ProgressListener onProgress;  // of reading
+  std::size_t segmentBytes = 0;          // of text that is read at a time; 0: chosen; changes no result
 };
 
 struct OpenedDataset {

@@ -24,8 +24,9 @@ std::string FolderOfTemporaryFiles() {
                   FolderOfTemporaryFiles(), what, std::strerror(error)));
 }
 
-/// A file that no folder lists, so that nothing is left behind even when the process is killed.
-int OpenNameless() {
+}  // namespace
+
+int OpenNamelessFile() {
   const std::string folder = FolderOfTemporaryFiles();
 #ifdef O_TMPFILE
   const int nameless = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC | O_EXCL, 0600);
@@ -38,7 +39,16 @@ int OpenNameless() {
   return named;
 }
 
-}  // namespace
+void WriteAll(int descriptor, const void* bytes, std::size_t count) {
+  const char* from = static_cast<const char*>(bytes);
+  while (count > 0) {
+    const ssize_t now = write(descriptor, from, count);
+    if (now < 0 && errno == EINTR) continue;
+    if (now < 0) Fail("cannot be written", errno);
+    from += now;
+    count -= static_cast<std::size_t>(now);
+  }
+}
 
 struct SpillFile::File {
   std::mutex mutex;
@@ -56,7 +66,7 @@ std::uint64_t SpillFile::Append(const void* bytes, std::size_t count) {
   std::uint64_t offset = 0;
   {
     const std::lock_guard lock(fFile->mutex);
-    if (fFile->descriptor < 0) fFile->descriptor = OpenNameless();
+    if (fFile->descriptor < 0) fFile->descriptor = OpenNamelessFile();
     offset = fFile->size;
     fFile->size += count;
   }

@@ -15,6 +15,12 @@ class SpillError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// A new file in that folder that no folder lists, open for reading and writing; who opens it closes it. Throws
+/// SpillError.
+int OpenNamelessFile();
+/// Throws SpillError.
+void WriteAll(int descriptor, const void* bytes, std::size_t count);
+
 /// Bytes in a file without a name, which vanishes with the process, however that ends. It stands in the folder that
 /// TMPDIR names, else in /tmp, and is made at the first Append. Several threads may append and read at once.
 class SpillFile {

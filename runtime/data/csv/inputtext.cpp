@@ -1,7 +1,10 @@
 #include "runtime/data/csv/inputtext.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -10,13 +13,17 @@
 #include <unistd.h>
 
 #include "runtime/data/csv/encoding.h"
+#include "runtime/data/typing/cellblock.h"
 #include "runtime/data/typing/quotedcell.h"
+#include "runtime/machine/spillfile.h"
 
 namespace runtime::data {
 
 namespace {
 
 constexpr std::size_t kReadAtOnce = std::size_t{1} << 20;
+constexpr std::size_t kMostInMemory = std::size_t{64} << 20;  // of what cannot be mapped
+constexpr std::size_t kBeginning = std::size_t{1} << 20;      // whose encoding is checked at once
 
 std::string NameOf(const std::string& path) { return path == "-" ? "standard input" : path; }
 
@@ -43,19 +50,26 @@ class Descriptor {
   throw DataError(fmt::format("{}: the file cannot be read: {}", NameOf(path), std::strerror(error)));
 }
 
-std::string ReadToEnd(const std::string& path, int descriptor) {
-  std::string bytes;
+/// Reads until the buffer is full or the file ends; the number of bytes.
+std::size_t ReadInto(const std::string& path, int descriptor, char* buffer, std::size_t size) {
   std::size_t used = 0;
-  while (true) {
-    if (bytes.size() - used < kReadAtOnce) bytes.resize(std::max(bytes.size() * 2, used + kReadAtOnce));
-    const ssize_t got = read(descriptor, bytes.data() + used, bytes.size() - used);
+  while (used < size) {
+    const ssize_t got = read(descriptor, buffer + used, std::min(size - used, kReadAtOnce));
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) FailToRead(path, errno);
     if (got == 0) break;
     used += static_cast<std::size_t>(got);
   }
-  bytes.resize(used);
-  return bytes;
+  return used;
+}
+
+/// Without a character that is cut off at the end.
+std::string_view BeginningOf(std::string_view text) {
+  if (text.size() <= kBeginning) return text;
+  std::size_t end = kBeginning;
+  const auto isFollower = [text](std::size_t at) { return (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80; };
+  while (end + 3 > kBeginning && isFollower(end)) --end;
+  return text.substr(0, end);
 }
 
 /// Text has next to no control characters; what was compressed or compiled is full of them.
@@ -97,23 +111,65 @@ FileBytes::FileBytes(const std::string& path) {
   struct stat status {};
   if (fstat(file.number(), &status) != 0) FailToRead(path, errno);
   if (S_ISDIR(status.st_mode)) FailToRead(path, EISDIR);
-  if (S_ISREG(status.st_mode) && status.st_size > 0 && path != "-") {
-    fMappedSize = static_cast<std::size_t>(status.st_size);
-    void* const mapped = mmap(nullptr, fMappedSize, PROT_READ, MAP_PRIVATE, file.number(), 0);
-    if (mapped != MAP_FAILED) {
-      fMapped = static_cast<const char*>(mapped);
-      madvise(mapped, fMappedSize, MADV_SEQUENTIAL);
-      return;
-    }
-  }
-  fRead = ReadToEnd(path, file.number());
-  if (fRead.empty())
+  const bool isRegular = S_ISREG(status.st_mode) && status.st_size > 0 && path != "-";
+  if (!isRegular || !Map(file.number(), static_cast<std::size_t>(status.st_size))) ReadToEnd(path, file.number());
+  if (fBytes.empty())
     throw DataError(fmt::format("{}: {} empty; a table has at least a header line", NameOf(path),
                                 path == "-" ? "it is" : "the file is"));
 }
 
+bool FileBytes::Map(int descriptor, std::size_t size) {
+  // A page of nothing behind the file's own makes reading ahead of its last byte harmless.
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  const std::size_t withRoom = size + page;
+  void* const room = mmap(nullptr, withRoom, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (room == MAP_FAILED) return false;
+  if (mmap(room, size, PROT_READ, MAP_PRIVATE | MAP_FIXED, descriptor, 0) == MAP_FAILED) {
+    munmap(room, withRoom);
+    return false;
+  }
+  madvise(room, size, MADV_SEQUENTIAL);
+  fMapped = room;
+  fMappedSize = withRoom;
+  fBytes = {static_cast<const char*>(room), size};
+  return true;
+}
+
+void FileBytes::ReadToEnd(const std::string& path, int descriptor) {
+  std::size_t used = 0;
+  while (used <= kMostInMemory) {
+    const std::size_t room = std::max(used, kReadAtOnce);
+    fRead.resize(used + room + CellBlock::kReadAhead);
+    const std::size_t got = ReadInto(path, descriptor, fRead.data() + used, room);
+    used += got;
+    if (got < room) {
+      fRead.resize(used + CellBlock::kReadAhead);
+      fBytes = std::string_view(fRead).substr(0, used);
+      return;
+    }
+  }
+  const int temporary = machine::OpenNamelessFile();
+  machine::WriteAll(temporary, fRead.data(), used);
+  while (const std::size_t got = ReadInto(path, descriptor, fRead.data(), kReadAtOnce)) {
+    machine::WriteAll(temporary, fRead.data(), got);
+    used += got;
+  }
+  std::string().swap(fRead);
+  const bool mapped = Map(temporary, used);
+  close(temporary);
+  if (!mapped) FailToRead(path, errno);
+}
+
 FileBytes::~FileBytes() {
-  if (fMapped != nullptr) munmap(const_cast<char*>(fMapped), fMappedSize);
+  if (fMapped != nullptr) munmap(fMapped, fMappedSize);
+}
+
+void FileBytes::Release(std::string_view bytes) const {
+  if (fMapped == nullptr) return;
+  const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+  const auto begin = (reinterpret_cast<std::uintptr_t>(bytes.data()) + page - 1) / page * page;
+  const auto end = reinterpret_cast<std::uintptr_t>(bytes.data() + bytes.size()) / page * page;
+  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
 }
 
 InputText::InputText(const std::string& path, const std::optional<std::string>& encoding, std::vector<Note>& notes)
@@ -138,20 +194,37 @@ void InputText::Decode(const std::optional<std::string>& encoding, std::vector<N
                     "JSON lines file, or the encoding of the text in the dictionary",
                     fName));
 
-  Replacements replaced;
+  fEncodingIsSaid = encoding.has_value() || mark.has_value();
   if (IsUtf8Name(name)) {
-    const std::size_t bad = FirstInvalidUtf8(bytes);
-    if (bad == std::string_view::npos) {
-      fText = bytes;
-      return;
-    }
-    fConverted = RepairedUtf8(bytes, replaced);
-  } else {
-    fConverted = ConvertedToUtf8(bytes, name, replaced);
+    fText = bytes;
+    fMayBeInvalid = true;
+    if (FirstInvalidUtf8(BeginningOf(bytes)) != std::string_view::npos) Repair(notes);
+    return;
   }
-  NoteReplacements(fName, replaced, name, encoding.has_value() || mark.has_value(), notes);
-  fText = fConverted;
+  Replacements replaced;
+  std::string converted = ConvertedToUtf8(bytes, name, replaced);
+  NoteReplacements(fName, replaced, name, fEncodingIsSaid, notes);
+  Take(std::move(converted));
+}
+
+void InputText::Take(std::string converted) {
+  const std::size_t size = converted.size();
+  fConverted = std::move(converted);
+  fConverted.resize(size + CellBlock::kReadAhead);
+  fText = std::string_view(fConverted).substr(0, size);
   fBytes.reset();
+  fMayBeInvalid = false;
+}
+
+void InputText::Repair(std::vector<Note>& notes) {
+  Replacements replaced;
+  std::string repaired = RepairedUtf8(fText, replaced);
+  NoteReplacements(fName, replaced, "UTF-8", fEncodingIsSaid, notes);
+  Take(std::move(repaired));
+}
+
+void InputText::Release(std::string_view part) const {
+  if (fBytes != nullptr) fBytes->Release(part);
 }
 
 }  // namespace runtime::data

@@ -12,7 +12,9 @@
 
 namespace runtime::data {
 
-/// Bytes of a file: mapped when it is a regular file, read otherwise. A mapped file must not shrink meanwhile.
+/// Bytes of a file, with CellBlock::kReadAhead readable ones behind them: mapped when it is a regular file, read
+/// otherwise; what is long and cannot be mapped is written to a temporary file first, which can. A mapped file must not
+/// shrink meanwhile.
 class FileBytes {
  public:
   /// "-" is standard input. Throws DataError when there is no such file, it is a directory, cannot be read or is empty.
@@ -21,33 +23,50 @@ class FileBytes {
   FileBytes(const FileBytes&) = delete;
   FileBytes& operator=(const FileBytes&) = delete;
 
-  std::string_view bytes() const { return fMapped ? std::string_view(fMapped, fMappedSize) : std::string_view(fRead); }
+  std::string_view bytes() const { return fBytes; }
+  /// Gives the memory back that these bytes took, as far as it comes from a file; they can be read again.
+  void Release(std::string_view bytes) const;
 
  private:
-  const char* fMapped = nullptr;
-  std::size_t fMappedSize = 0;
+  bool Map(int descriptor, std::size_t size);
+  void ReadToEnd(const std::string& path, int descriptor);
+
+  void* fMapped = nullptr;
+  std::size_t fMappedSize = 0;  // with the room behind the bytes
   std::string fRead;
+  std::string_view fBytes;
 };
 
 /// The file's text in UTF-8, without a byte order mark.
 class InputText {
  public:
   /// A byte order mark tells the encoding, else `encoding` does, else it is UTF-8. What cannot be read is replaced with
-  /// U+FFFD and counted in one note. Throws DataError as FileBytes does, for an unknown encoding, and for a file that
-  /// is no text.
+  /// U+FFFD and counted in one note; of a text in UTF-8 only the beginning is looked at, and who reads the rest calls
+  /// Repair when it meets a byte that is no UTF-8. Throws DataError as FileBytes does, for an unknown encoding, and for
+  /// a file that is no text.
   InputText(const std::string& path, const std::optional<std::string>& encoding, std::vector<Note>& notes);
 
+  /// CellBlock::kReadAhead bytes can be read behind it.
   std::string_view text() const { return fText; }
+  /// Whether the text may hold bytes that are no UTF-8.
+  bool mayBeInvalid() const { return fMayBeInvalid; }
+  /// Replaces what is no UTF-8. The former text is gone.
+  void Repair(std::vector<Note>& notes);
+  /// The memory of a part of the text is not needed for now.
+  void Release(std::string_view part) const;
   /// As messages name it: the path, or "standard input".
   const std::string& name() const { return fName; }
 
  private:
   void Decode(const std::optional<std::string>& encoding, std::vector<Note>& notes);
+  void Take(std::string converted);
 
   std::string fName;
   std::unique_ptr<FileBytes> fBytes;  // gone when the text is a converted copy
   std::string fConverted;
   std::string_view fText;
+  bool fMayBeInvalid = false;
+  bool fEncodingIsSaid = false;
 };
 
 }  // namespace runtime::data

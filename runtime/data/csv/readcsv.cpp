@@ -1,99 +1,113 @@
 #include "runtime/data/csv/readcsv.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 #include <fmt/format.h>
 
-#include "runtime/data/csv/blockscanner.h"
-#include "runtime/data/csv/inputtext.h"
+#include "runtime/data/csv/segmentedreading.h"
+#include "runtime/data/store/blanktexts.h"
+#include "runtime/data/typing/unreadablecells.h"
 
 namespace runtime::data {
 
 namespace {
 
-using Typers = std::vector<std::unique_ptr<ColumnTyper>>;
+constexpr std::size_t kBytesLookedAt = std::size_t{256} << 10;  // to guess what the columns hold
+constexpr std::size_t kRowsLookedAt = 1000;
 
-/// A file, open, with the dialect that was found.
-struct Part {
-  std::unique_ptr<InputText> input;
-  CsvDialect dialect;
-};
-
-std::vector<Part> OpenParts(const std::vector<std::string>& paths, const TextDialect& said, std::vector<Note>& notes) {
-  std::vector<Part> parts;
+std::vector<CsvPart> OpenParts(const std::vector<std::string>& paths, const TextDialect& said,
+                               std::vector<Note>& notes) {
+  std::vector<CsvPart> parts;
   for (const std::string& path : paths) {
-    auto input = std::make_unique<InputText>(path, said.encoding, notes);
-    const CsvDialect dialect = FindDialect(input->text(), said, input->name());
-    parts.push_back({std::move(input), dialect});
+    CsvPart& part = parts.emplace_back();
+    part.input = std::make_unique<InputText>(path, said.encoding, notes);
   }
   return parts;
 }
 
-void CheckSameHeaders(const BlockScanner& scanner, const std::vector<std::string>& headers, const std::string& name,
-                      const std::string& firstName) {
-  if (scanner.headers() == headers) return;
-  throw DataError(fmt::format("{}: its columns are not those of {}; the files of one table must have the same header",
-                              name, firstName));
+void ReadHeaders(std::vector<CsvPart>& parts, const TextDialect& said) {
+  for (CsvPart& part : parts) {
+    part.dialect = FindDialect(part.input->text(), said, part.input->name());
+    part.header = ReadHeaderRecord(part.input->text(), part.dialect, part.input->name());
+    if (part.header.names != parts.front().header.names)
+      throw DataError(
+          fmt::format("{}: its columns are not those of {}; the files of one table must have the same header",
+                      part.input->name(), parts.front().input->name()));
+  }
 }
 
-/// Gives the cells of all parts to the typers that are there; the number of rows.
-std::int64_t PassCells(const std::vector<Part>& parts, bool strict, Typers& typers, std::vector<Note>* notes) {
-  std::int64_t rows = 0;
-  for (const Part& part : parts) {
-    BlockScanner scanner(part.input->text(), part.dialect, part.input->name(), strict);
-    CellBlock block;
-    while (scanner.Next(block)) {
-      block.firstRow = rows;
-      rows += static_cast<std::int64_t>(block.rows);
-      if (rows > kMostCases)
-        throw DataError(fmt::format("{}: the data has more than {} cases, which cannot be worked with; split the file",
-                                    part.input->name(), kMostCases));
-      for (std::size_t column = 0; column < typers.size(); ++column)
-        if (typers[column]) typers[column]->Append(block, column);
-    }
-    if (notes) scanner.Report(*notes);
+/// Shows the typers the first rows.
+void LookAhead(const CsvPart& part, const ColumnTypers& typers) {
+  const std::string_view text = part.input->text();
+  SegmentScanner scanner(text, part.dialect, part.header.names.size(), {.rows = kRowsLookedAt});
+  scanner.Begin(part.header.rowsBegin, std::min(text.size(), part.header.rowsBegin + kBytesLookedAt));
+  CellBlock block;
+  if (!scanner.Next(block)) return;
+  for (std::size_t column = 0; column < typers.size(); ++column) typers[column]->LookAt(block, column);
+}
+
+/// One reading of all parts.
+TypedTable ReadTable(const std::vector<CsvPart>& parts, const std::vector<ColumnPlan>& plans,
+                     const ReadingOptions& options, std::vector<Note>& notes) {
+  const std::vector<std::string>& headers = parts.front().header.names;
+  ColumnTypers typers;
+  for (std::size_t column = 0; column < headers.size(); ++column)
+    typers.push_back(MakeColumnTyper(plans[column], headers[column]));
+  LookAhead(parts.front(), typers);
+
+  const auto groups = std::make_shared<RowGroups>(options.memory);
+  SegmentedReading reading(parts, typers, *groups, options.strict, options.manner);
+  reading.Run();
+  for (std::size_t part = 0; part < parts.size(); ++part)
+    reading.findings()[part].Report(parts[part].input->name(), headers.size(), notes);
+
+  // A type that was supposed and did not hold: these columns alone are read once more, as texts.
+  ColumnTypers secondTypers(typers.size());
+  bool readAgain = false;
+  for (std::size_t column = 0; column < typers.size(); ++column) {
+    if (!typers[column]->NeedsSecondReading()) continue;
+    secondTypers[column] = MakeTextTyper(headers[column]);
+    readAgain = true;
   }
-  return rows;
+  const auto secondGroups = std::make_shared<RowGroups>(options.memory);
+  if (readAgain) SegmentedReading(parts, secondTypers, *secondGroups, options.strict, options.manner).Run();
+
+  TypedTable table;
+  table.rows = reading.rows();
+  BlankTexts blanks(*groups, options.memory);
+  std::size_t inSecond = 0;
+  for (std::size_t column = 0; column < typers.size(); ++column) {
+    ColumnTyper& typer = *(secondTypers[column] ? secondTypers : typers)[column];
+    StoredColumn stored{groups, column, typer.strings()};
+    if (secondTypers[column]) stored = {secondGroups, inSecond++, typer.strings()};
+    if (typer.isBlankText()) stored = blanks.Column();
+    table.columns.push_back({std::move(stored), typer.Finish()});
+  }
+  return table;
 }
 
 }  // namespace
 
-TypedTable ReadCsv(const std::vector<std::string>& paths, const TextDialect& said, const PlanColumns& plan, bool strict,
-                   std::vector<Note>& notes) {
-  const std::vector<Part> parts = OpenParts(paths, said, notes);
-  std::vector<std::string> headers;
-  for (const Part& part : parts) {
-    const BlockScanner scanner(part.input->text(), part.dialect, part.input->name(), strict);
-    if (&part == &parts.front())
-      headers = scanner.headers();
-    else
-      CheckSameHeaders(scanner, headers, part.input->name(), parts.front().input->name());
+TypedTable ReadCsv(const std::vector<std::string>& paths, const TextDialect& said, const PlanColumns& plan,
+                   const ReadingOptions& options, std::vector<Note>& notes) {
+  std::vector<CsvPart> parts = OpenParts(paths, said, notes);
+  while (true) {
+    std::vector<Note> ofReading;
+    ReadHeaders(parts, said);
+    try {
+      const std::vector<ColumnPlan> plans = plan(parts.front().header.names, ofReading);
+      TypedTable table = ReadTable(parts, plans, options, ofReading);
+      notes.insert(notes.end(), ofReading.begin(), ofReading.end());
+      std::vector<const ColumnFacts*> facts;
+      for (const TypedColumn& column : table.columns) facts.push_back(&column.facts);
+      ReportUnreadableCells(parts.front().input->name(), facts, options.strict, notes);
+      return table;
+    } catch (const InvalidText& invalid) {
+      parts[invalid.part].input->Repair(notes);
+    }
   }
-
-  const std::vector<ColumnPlan> plans = plan(headers);
-  const std::int64_t blockRows = RowsPerBlock(headers.size());
-  Typers typers;
-  for (std::size_t column = 0; column < headers.size(); ++column)
-    typers.push_back(MakeColumnTyper(plans[column], headers[column], blockRows));
-  TypedTable table;
-  table.rows = PassCells(parts, strict, typers, &notes);
-
-  Typers secondTypers(typers.size());
-  bool readAgain = false;
-  for (std::size_t column = 0; column < typers.size(); ++column) {
-    if (!typers[column]->NeedsSecondReading()) continue;
-    secondTypers[column] = MakeTextTyper(headers[column], blockRows);
-    readAgain = true;
-  }
-  if (readAgain) PassCells(parts, strict, secondTypers, nullptr);
-
-  std::vector<const ColumnFacts*> facts;
-  for (std::size_t column = 0; column < typers.size(); ++column)
-    table.columns.push_back((secondTypers[column] ? secondTypers : typers)[column]->Finish());
-  for (const TypedColumn& column : table.columns) facts.push_back(&column.facts);
-  ReportUnreadableCells(parts.front().input->name(), facts, strict, notes);
-  return table;
 }
 
 }  // namespace runtime::data

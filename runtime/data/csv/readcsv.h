@@ -1,24 +1,25 @@
 // Reading a table from files of delimited text: scan, type, store.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "runtime/data/dictionary/descriptor.h"
 #include "runtime/data/open.h"
+#include "runtime/data/store/readingoptions.h"
 #include "runtime/data/typing/columntyper.h"
 
 namespace runtime::data {
 
-/// Says how each column is to be read, from the headers as they stand in the file (all empty without a header).
-using PlanColumns = std::function<std::vector<ColumnPlan>(const std::vector<std::string>& headers)>;
+/// Says how each column is to be read, from the headers as they stand in the file (all empty without a header); what
+/// there is to tell goes into `notes`. May be called more than once.
+using PlanColumns =
+    std::function<std::vector<ColumnPlan>(const std::vector<std::string>& headers, std::vector<Note>& notes)>;
 
 /// Reads the files, one behind the other, as one table; all must have the same headers. "-" is standard input. What
-/// there is to tell goes into `notes`; with `strict` rows of a wrong length and cells that do not read as their type
-/// are errors. Throws DataError. REQUIRES: at least one path.
+/// there is to tell goes into `notes`. Throws DataError and SpillError. REQUIRES: at least one path.
 TypedTable ReadCsv(const std::vector<std::string>& paths, const TextDialect& dialect, const PlanColumns& plan,
-                   bool strict, std::vector<Note>& notes);
+                   const ReadingOptions& options, std::vector<Note>& notes);
 
 }  // namespace runtime::data

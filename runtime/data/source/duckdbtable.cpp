@@ -239,6 +239,7 @@ void DuckDBTable::Read(const std::vector<bool>& asText, ColumnSink& sink) {
         sink.Numbers(column, numbers.data(), count);
       }
     }
+    sink.EndRows(count);
   });
   if (rows != fRowCount)
     throw DataError(fmt::format("{}: {} rows were read of {}; the file changed or is damaged", fPath, rows, fRowCount));

@@ -27,6 +27,8 @@ class ColumnSink {
   virtual void Numbers(std::size_t column, const double* values, std::size_t count) = 0;
   /// An empty text: no value, or an empty one.
   virtual void Texts(std::size_t column, const std::string_view* texts, std::size_t count) = 0;
+  /// All columns of so many rows have been handed over.
+  virtual void EndRows(std::size_t count) = 0;
 };
 
 /// A file that was opened and whose columns are known. Errors throw DataError that names the file.

@@ -45,6 +45,16 @@ std::string_view WithoutTrailingBlanks(std::string_view text) {
 ArenaStringTable::ArenaStringTable() : fSlots(kFirstSlots) {}
 ArenaStringTable::~ArenaStringTable() = default;
 
+void ArenaStringTable::Clear() {
+  std::fill(fSlots.begin(), fSlots.end(), Slot());
+  fTexts.clear();
+  fLongestText = 0;
+  if (fArena.empty()) return;
+  fArena.erase(fArena.begin(), fArena.end() - 1);
+  fFree = fArena.back().get();
+  fFreeBytes = fLastBlockBytes;
+}
+
 std::uint32_t ArenaStringTable::Enter(std::string_view text) {
   text = WithoutTrailingBlanks(text);
   const std::uint32_t hash = HashOf(text);
@@ -68,7 +78,7 @@ std::string_view ArenaStringTable::Store(std::string_view text) {
     const std::size_t bytes = std::max(text.size(), std::min(kArenaBytes, std::size_t{256} << fArena.size()));
     fArena.push_back(std::make_unique_for_overwrite<char[]>(bytes));
     fFree = fArena.back().get();
-    fFreeBytes = bytes;
+    fFreeBytes = fLastBlockBytes = bytes;
   }
   std::memcpy(fFree, text.data(), text.size());
   const std::string_view stored(fFree, text.size());

@@ -24,6 +24,8 @@ class ArenaStringTable : public StringTable {
 
   /// The code of a text, which is entered when it is new. Trailing blanks are no part of a text.
   std::uint32_t Enter(std::string_view text);
+  /// Begins anew; memory is kept.
+  void Clear();
   /// Bytes of the longest text, 0 when there is none.
   std::size_t longestText() const { return fLongestText; }
 
@@ -42,6 +44,7 @@ class ArenaStringTable : public StringTable {
   std::vector<std::unique_ptr<char[]>> fArena;
   char* fFree = nullptr;
   std::size_t fFreeBytes = 0;
+  std::size_t fLastBlockBytes = 0;
   std::size_t fLongestText = 0;
 };
 

@@ -30,7 +30,7 @@ struct CellBlock {
   std::size_t rows = 0;
   const std::string_view* ownTexts = nullptr;
   std::int64_t firstRow = 0;            // from 0: of the data, or of the part of it that is read on its own
-  const std::int64_t* lines = nullptr;  // of each row: the line in which it begins; null: no lines
+  const std::int64_t* lines = nullptr;  // of each row: the line in which it begins, from 0 likewise; null: no lines
   std::string_view source;              // the file, for messages
 
   std::string_view Text(const Cell& cell) const {

@@ -16,32 +16,15 @@ int DigitsOfWholePart(double magnitude) {
 
 }  // namespace
 
-ValueSummary Summarize(const double* values, std::size_t count) {
-  double low = std::numeric_limits<double>::infinity();
-  double high = -std::numeric_limits<double>::infinity();
-  bool allIntegers = true;
-  for (std::size_t i = 0; i < count; ++i) {
-    const double value = values[i];
-    low = value < low ? value : low;
-    high = value > high ? value : high;
-    allIntegers = allIntegers && (std::trunc(value) == value || std::isnan(value));
-  }
-  if (low > high) return {};
-  return {true, allIntegers, low, high};
-}
-
-void ValueFacts::Add(const double* values, std::size_t count, const ValueSummary& summary) {
+void ValueFacts::Include(const ValueSummary& summary) {
   if (!summary.hasValues) return;
   fMinimum = fHasValues ? std::min(fMinimum, summary.minimum) : summary.minimum;
   fMaximum = fHasValues ? std::max(fMaximum, summary.maximum) : summary.maximum;
   fHasValues = true;
   fAllIntegers = fAllIntegers && summary.allIntegers;
-  if (!fewIntegers()) return;
-  for (std::size_t i = 0; i < count; ++i)
-    if (!std::isnan(values[i]) && values[i] != fLastSeen) Remember(values[i]);
 }
 
-void ValueFacts::Remember(double value) {
+void ValueFacts::RememberOther(double value) {
   fLastSeen = value;
   if (value >= -kSmallRange && value < kSmallRange) {
     const auto bit = static_cast<unsigned>(static_cast<int>(value) + kSmallRange);
@@ -57,6 +40,13 @@ void ValueFacts::Remember(double value) {
     fManyDistinct = true;
 }
 
+void ValueFacts::Join(const ValueFacts& next) {
+  Include({next.fHasValues, next.fAllIntegers, next.fMinimum, next.fMaximum});
+  if (!fewIntegers()) return;
+  for (const double value : next.fDistinct) Remember(value);
+  fManyDistinct = fManyDistinct || next.fManyDistinct;
+}
+
 std::vector<double> ValueFacts::DistinctIntegers() const {
   if (!fewIntegers()) return {};
   std::vector<double> values = fDistinct;
@@ -70,6 +60,22 @@ int ValueFacts::IntegerColumns() const {
   if (fMaximum >= 0.0) columns = DigitsOfWholePart(fMaximum);
   if (fMinimum < 0.0) columns = std::max(columns, 1 + DigitsOfWholePart(-fMinimum));
   return columns;
+}
+
+void ColumnFacts::Join(const ColumnFacts& next, std::int64_t rowsBefore, std::int64_t linesBefore) {
+  rows += next.rows;
+  blankCells += next.blankCells;
+  unreadableCells += next.unreadableCells;
+  for (const UnreadableCell& cell : next.unreadable) {
+    if (unreadable.size() == kCellsKept) break;
+    unreadable.push_back(cell);
+    unreadable.back().row += rowsBefore;
+    if (cell.line > 0) unreadable.back().line += linesBefore;
+  }
+  roundedCells += next.roundedCells;
+  longestValue = std::max(longestValue, next.longestValue);
+  decimals = std::max(decimals, next.decimals);
+  values.Join(next.values);
 }
 
 }  // namespace runtime::data

@@ -18,17 +18,20 @@ struct ValueSummary {
   double maximum = 0.0;
 };
 
-/// REQUIRES: no infinities.
-ValueSummary Summarize(const double* values, std::size_t count);
-
 /// Of the values of a numeric column, missing codes included, system-missing excepted.
 class ValueFacts {
  public:
   /// Most different whole numbers that are remembered.
   static constexpr std::size_t kMostDistinct = 24;
 
-  /// Takes values in; `summary` is theirs.
-  void Add(const double* values, std::size_t count, const ValueSummary& summary);
+  /// Takes in what is known of further values; the whole numbers among them are then to be remembered one by one, as
+  /// long as fewIntegers().
+  void Include(const ValueSummary& summary);
+  /// Takes in a value; quick when it is the one before. REQUIRES: it was included; not NaN.
+  void Remember(double value) {
+    if (value == fLastSeen || fManyDistinct) return;
+    RememberOther(value);
+  }
 
   bool hasValues() const { return fHasValues; }
   double minimum() const { return fMinimum; }  // REQUIRES: hasValues
@@ -40,10 +43,12 @@ class ValueFacts {
   std::vector<double> DistinctIntegers() const;
   /// Most columns that the whole part of a value needs, the minus sign included, at least 1.
   int IntegerColumns() const;
+  /// Takes in what is known of further values.
+  void Join(const ValueFacts& next);
 
  private:
   static constexpr int kSmallRange = 512;  // values from -512 to 511 are looked up by bit
-  void Remember(double value);
+  void RememberOther(double value);
 
   bool fHasValues = false;
   bool fAllIntegers = true;
@@ -77,6 +82,10 @@ struct ColumnFacts {
   std::size_t longestValue = 0;            // string: bytes without trailing blanks
   int decimals = 0;                        // numeric: most digits behind the decimal point, the exponent considered
   ValueFacts values;                       // numeric
+
+  /// Takes in the facts of the rows that follow: `rowsBefore` rows and `linesBefore` lines of the file stand before
+  /// them.
+  void Join(const ColumnFacts& next, std::int64_t rowsBefore, std::int64_t linesBefore);
 
   bool isString() const { return type == FieldType::String; }
 };

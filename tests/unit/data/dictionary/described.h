@@ -13,6 +13,7 @@
 #include "runtime/data/dictionary/jsonfile.h"
 #include "runtime/data/dictionary/readdictionary.h"
 #include "runtime/data/dictionary/tableschema.h"
+#include "runtime/data/store/numericpart.h"
 
 namespace runtime::data {
 
@@ -30,7 +31,9 @@ inline ColumnFacts NumberColumn(std::string header, FieldType type, const std::v
   facts.header = std::move(header);
   facts.type = type;
   facts.decimals = decimals;
-  facts.values.Add(values.data(), values.size(), Summarize(values.data(), values.size()));
+  NumericPart part;
+  part.AppendDoubles(values.data(), values.size());
+  part.AddFactsTo(facts.values);
   return facts;
 }
 

@@ -10,8 +10,9 @@
 
 #include "host/data/datasource.h"
 
-#include "runtime/data/store/columnstore.h"
+#include "runtime/data/store/columnardataset.h"
 #include "tests/unit/data/open/datafolder.h"
+#include "tests/unit/data/support/storedcells.h"
 
 namespace runtime::data {
 namespace {
@@ -33,8 +34,20 @@ class Open : public testing::Test {
     }
     return "";
   }
-  static const ColumnarDataset& Columns(const OpenedDataset& opened) {
-    return dynamic_cast<const ColumnarDataset&>(*opened.dataset);
+  static const StoredColumn& Column(const OpenedDataset& opened, int variable) {
+    return dynamic_cast<const ColumnarDataset&>(*opened.dataset).column(variable);
+  }
+  static double Number(const OpenedDataset& opened, int variable, std::size_t row) {
+    return test::Numbers(Column(opened, variable)).at(row);
+  }
+  static std::vector<double> Weights(const OpenedDataset& opened) {
+    std::vector<double> weights;
+    const std::unique_ptr<CaseCursor> cursor = opened.dataset->NewCursor();
+    while (cursor->Next()) weights.push_back(cursor->Weights()[cursor->row - cursor->chunkBegin]);
+    return weights;
+  }
+  static std::string Text(const OpenedDataset& opened, int variable, std::size_t row) {
+    return test::Texts(Column(opened, variable)).at(row);
   }
 
   DataFolder fFolder;
@@ -63,7 +76,7 @@ TEST_F(Open, infersWhatNoDictionarySays) {
   EXPECT_EQ(source.GetVariable(0).GetMeasurementLevel(), MAVO_Variable_Enumerations::kLevelNominal);
   EXPECT_EQ(source.GetVariable(2).GetMeasurementLevel(), MAVO_Variable_Enumerations::kLevelScale);
   EXPECT_EQ(std::string(source.GetFileSpec()), fFolder.path() + "\\survey.csv");
-  EXPECT_TRUE(std::isnan(Columns(opened).column(1).Number(1)));
+  EXPECT_TRUE(std::isnan(Number(opened, 1, 1)));
 }
 
 TEST_F(Open, readsTheSchemaBesideTheData) {
@@ -72,19 +85,18 @@ TEST_F(Open, readsTheSchemaBesideTheData) {
                     "codebook":{"weight":"sex"}})");
   const OpenedDataset opened = Read(fFolder.Write("survey.csv", "id,sex\n7,1\n8,-9\n9,2\n"));
   EXPECT_TRUE(opened.notes.empty());
-  const ColumnarDataset& dataset = Columns(opened);
-  EXPECT_EQ(dataset.dictionary().variables[0]->width, 1) << "fields and columns meet by name";
-  EXPECT_EQ(dataset.dictionary().variables[1]->width, 0);
-  EXPECT_EQ(dataset.column(1).Number(1), -9);
-  EXPECT_EQ(dataset.dictionary().weight, 1);
-  EXPECT_EQ(dataset.weights(), (std::vector<double>{1, 0, 2}));
+  EXPECT_EQ(opened.dataset->dictionary().variables[0]->width, 1) << "fields and columns meet by name";
+  EXPECT_EQ(opened.dataset->dictionary().variables[1]->width, 0);
+  EXPECT_EQ(Number(opened, 1, 1), -9);
+  EXPECT_EQ(opened.dataset->dictionary().weight, 1);
+  EXPECT_EQ(Weights(opened), (std::vector<double>{1, 0, 2}));
 }
 
 TEST_F(Open, aUserMissingWeightCountsNothing) {
   fFolder.Write("w.schema.json",
                 R"({"fields":[{"name":"w","type":"number","missingValues":["99",""]}],"codebook":{"weight":"w"}})");
   const OpenedDataset opened = Read(fFolder.Write("w.csv", "w\n99\n0.5\n\n-1\n"));
-  EXPECT_EQ(Columns(opened).weights(), (std::vector<double>{0, 0.5, 0, 0}));
+  EXPECT_EQ(Weights(opened), (std::vector<double>{0, 0.5, 0, 0}));
 }
 
 TEST_F(Open, takesADataPackageThatListsTheFileBeforeASchema) {
@@ -110,7 +122,7 @@ TEST_F(Open, readsThePackageAndItsFiles) {
       R"({"resources":[{"name":"r","path":["one.csv","two.csv"],"schema":{"fields":[{"name":"x","type":"integer"},{"name":"y","type":"string"}]}}]})");
   const OpenedDataset opened = Read(package);
   EXPECT_EQ(opened.dataset->caseCount(), 4);
-  EXPECT_EQ(Columns(opened).column(0).Number(2), 3);
+  EXPECT_EQ(Number(opened, 0, 2), 3);
   ASSERT_EQ(opened.notes.size(), 1U);
   EXPECT_THAT(opened.notes[0].text, AllOf(HasSubstr("two.csv:3: column \"x\", row 4: \"4O\"")));
 }
@@ -160,15 +172,15 @@ TEST_F(Open, followsTheDialectOfTheDictionary) {
       R"({"resources":[{"name":"r","path":"a.csv","encoding":"iso-8859-1","dialect":{"delimiter":";","header":false},
           "schema":{"fields":[{"name":"t","type":"string"},{"name":"n","type":"number","decimalChar":","}]}}]})");
   const OpenedDataset opened = Read(package);
-  EXPECT_EQ(Columns(opened).column(0).Text(0), "\xC3\xBC");
-  EXPECT_EQ(Columns(opened).column(1).Number(1), 2.5);
+  EXPECT_EQ(Text(opened, 0, 0), "\xC3\xBC");
+  EXPECT_EQ(Number(opened, 1, 1), 2.5);
   EXPECT_EQ(opened.dataset->dictionary().variables[1]->name, "n");
 }
 
 TEST_F(Open, overridesTheWeight) {
   const std::string path = fFolder.Write("a.csv", "x,name\n1,a\n2,b\n");
   fOptions.weight = "X";
-  EXPECT_EQ(Columns(Read(path)).weights(), (std::vector<double>{1, 2}));
+  EXPECT_EQ(Weights(Read(path)), (std::vector<double>{1, 2}));
   fOptions.weight = "";
   EXPECT_EQ(Read(path).dataset->dictionary().weight, -1);
   fOptions.weight = "nobody";
@@ -236,12 +248,11 @@ TEST_F(Open, readsJsonLines) {
                 R"({"fields":[{"name":"x","type":"integer"},{"name":"s","type":"string"},
                     {"name":"d","type":"date","format":"%d.%m.%Y"},{"name":"n","type":"number"}]})");
   const OpenedDataset opened = Read(path);
-  const ColumnarDataset& dataset = Columns(opened);
-  EXPECT_EQ(dataset.column(0).Number(0), 1);
-  EXPECT_TRUE(std::isnan(dataset.column(0).Number(1)));
-  EXPECT_EQ(dataset.column(1).Text(1), "b");
-  EXPECT_EQ(dataset.column(2).Number(0), 86'400);
-  EXPECT_EQ(dataset.dictionary().variables[3]->print.decimals, 2);
+  EXPECT_EQ(Number(opened, 0, 0), 1);
+  EXPECT_TRUE(std::isnan(Number(opened, 0, 1)));
+  EXPECT_EQ(Text(opened, 1, 1), "b");
+  EXPECT_EQ(Number(opened, 2, 0), 86'400);
+  EXPECT_EQ(opened.dataset->dictionary().variables[3]->print.decimals, 2);
   ASSERT_EQ(opened.notes.size(), 1U);
   EXPECT_THAT(opened.notes[0].text, HasSubstr("column \"d\", row 2: \"x\" does not read as a date"));
 }

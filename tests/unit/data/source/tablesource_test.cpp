@@ -54,6 +54,7 @@ class Collector : public ColumnSink {
   void Texts(std::size_t column, const std::string_view* texts, std::size_t count) override {
     for (std::size_t i = 0; i < count; ++i) fColumns[column].cells.emplace_back(texts[i]);
   }
+  void EndRows(std::size_t) override {}
 
  private:
   std::vector<Cells>& fColumns;

@@ -7,7 +7,7 @@
 
 #include "host/data/datasource.h"
 
-#include "runtime/data/store/columnstore.h"
+#include "runtime/data/store/columnardataset.h"
 
 namespace runtime::data {
 namespace {

@@ -13,7 +13,7 @@
 
 #include "runtime/data/builder.h"
 #include "runtime/data/open.h"
-#include "runtime/data/store/columnstore.h"
+#include "runtime/data/store/columnardataset.h"
 
 namespace runtime::data {
 namespace {

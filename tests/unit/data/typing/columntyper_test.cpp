@@ -1,6 +1,7 @@
 #include "runtime/data/typing/columntyper.h"
 
 #include <cmath>
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <map>
@@ -12,8 +13,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "runtime/data/store/blanktexts.h"
+#include "runtime/data/store/numericpart.h"
 #include "runtime/data/typing/inference.h"
 #include "runtime/data/typing/numbertext.h"
+#include "runtime/data/typing/unreadablecells.h"
+#include "tests/unit/data/support/storedcells.h"
 
 namespace runtime::data {
 namespace {
@@ -30,49 +35,90 @@ ColumnPlan Plan(FieldType type, const std::vector<std::string>& missing = {""}) 
   return plan;
 }
 
-void AppendAll(ColumnTyper& typer, const std::vector<std::string>& cells, std::size_t blockRows) {
-  for (std::size_t first = 0; first < cells.size(); first += blockRows) {
-    std::vector<std::string_view> texts;
+/// Reads cells first, first + 1, ... up to the end in blocks of that many rows.
+void Append(ColumnPiece& piece, const std::vector<std::string>& cells, std::size_t first, std::size_t end,
+            std::size_t blockRows) {
+  std::string text;
+  for (const std::string& cell : cells) text += cell;
+  text.append(CellBlock::kReadAhead, '9');
+  std::size_t at = 0;
+  std::vector<Cell> places;
+  for (const std::string& cell : cells) {
+    places.push_back({static_cast<std::uint32_t>(at), static_cast<std::uint32_t>(cell.size())});
+    at += cell.size();
+  }
+  for (std::size_t begin = first; begin < end; begin += blockRows) {
     std::vector<std::int64_t> lines;
-    for (std::size_t i = first; i < std::min(cells.size(), first + blockRows); ++i) {
-      texts.push_back(cells[i]);
-      lines.push_back(static_cast<std::int64_t>(i) + 2);
-    }
+    for (std::size_t i = begin; i < std::min(end, begin + blockRows); ++i)
+      lines.push_back(static_cast<std::int64_t>(i - first));
     CellBlock block;
-    std::vector<Cell> places;
-    for (std::uint32_t cell = 0; cell < texts.size(); ++cell) places.push_back({cell, Cell::kOwnText});
-    block.cells = places.data();
-    block.ownTexts = texts.data();
+    block.text = text.data();
+    block.cells = places.data() + begin;
     block.columns = 1;
     block.stride = 1;
-    block.rows = texts.size();
-    block.firstRow = static_cast<std::int64_t>(first);
+    block.rows = lines.size();
+    block.firstRow = static_cast<std::int64_t>(begin - first);
     block.lines = lines.data();
-    typer.Append(block, 0);
+    piece.Append(block, 0);
   }
 }
 
-/// Reads the cells in blocks of that many rows, a second time where that is needed.
-TypedColumn Read(const ColumnPlan& plan, const std::vector<std::string>& cells, std::size_t blockRows = 3) {
-  auto typer = MakeColumnTyper(plan, "v", 2);
-  AppendAll(*typer, cells, blockRows);
-  if (!typer->NeedsSecondReading()) return typer->Finish();
-  typer = MakeTextTyper("v", 2);
-  AppendAll(*typer, cells, blockRows);
-  return typer->Finish();
+/// Joins pieces of that many rows.
+StoredColumn ReadPieces(ColumnTyper& typer, const std::vector<std::string>& cells, std::size_t pieceRows,
+                        std::size_t blockRows) {
+  const auto groups = std::make_shared<RowGroups>(std::make_shared<ColumnMemory>());
+  const std::unique_ptr<ColumnPiece> piece = typer.NewPiece();
+  for (std::size_t first = 0; first < cells.size(); first += pieceRows) {
+    const std::size_t end = std::min(cells.size(), first + pieceRows);
+    piece->Clear();
+    Append(*piece, cells, first, end, blockRows);
+    piece->End();
+    RowGroup group(end - first);
+    group.AddColumn(piece->storage());
+    group.Allocate();
+    if (piece->rows() > 0) std::memcpy(group.Cells(0), piece->cells(), piece->rows() * BytesPerCell(piece->storage()));
+    // A line stands before the first row.
+    typer.Join(*piece, {static_cast<std::int64_t>(first), static_cast<std::int64_t>(first) + 1}, group.Cells(0));
+    groups->Append(std::move(group));
+  }
+  return {groups, 0, typer.strings()};
 }
 
-std::vector<double> Numbers(const TypedColumn& column) {
-  std::vector<double> values;
-  for (std::int64_t row = 0; row < column.column.rows(); ++row) values.push_back(column.column.Number(row));
-  return values;
+/// How a column is cut up and how many rows are looked at before; no result depends on it.
+struct Manner {
+  std::size_t blockRows = 3;
+  std::size_t pieceRows = 7;
+  std::size_t lookedAt = 2;
+};
+
+constexpr Manner kManners[] = {{1, 1, 0}, {1, 1, 1}, {2, 3, 0}, {2, 3, 2}, {3, 2, 100}, {100, 100, 0}, {100, 100, 100}};
+
+/// Reads the cells, a second time where that is needed.
+TypedColumn Read(const ColumnPlan& plan, const std::vector<std::string>& cells, Manner manner = {}) {
+  auto typer = MakeColumnTyper(plan, "v");
+  if (manner.lookedAt > 0) {
+    std::vector<std::string_view> texts(cells.begin(), cells.end());
+    std::vector<Cell> places;
+    for (std::uint32_t cell = 0; cell < texts.size(); ++cell) places.push_back({cell, Cell::kOwnText});
+    CellBlock block;
+    block.cells = places.data();
+    block.ownTexts = texts.data();
+    block.columns = block.stride = 1;
+    block.rows = std::min(manner.lookedAt, texts.size());
+    typer->LookAt(block, 0);
+  }
+  StoredColumn column = ReadPieces(*typer, cells, manner.pieceRows, manner.blockRows);
+  if (typer->NeedsSecondReading()) {
+    typer = MakeTextTyper("v");
+    column = ReadPieces(*typer, cells, manner.pieceRows, manner.blockRows);
+  }
+  BlankTexts blanks(*column.groups, std::make_shared<ColumnMemory>());
+  if (typer->isBlankText()) column = blanks.Column();
+  return {column, typer->Finish()};
 }
 
-std::vector<std::string> Texts(const TypedColumn& column) {
-  std::vector<std::string> texts;
-  for (std::int64_t row = 0; row < column.column.rows(); ++row) texts.emplace_back(column.column.Text(row));
-  return texts;
-}
+std::vector<double> Numbers(const TypedColumn& column) { return test::Numbers(column.column); }
+std::vector<std::string> Texts(const TypedColumn& column) { return test::Texts(column.column); }
 
 MATCHER_P(AreSame, expected, "") {
   if (arg.size() != expected.size()) return false;
@@ -143,7 +189,7 @@ TEST(DeclaredColumn, refusesAPatternThatCannotBeUsed) {
   ColumnPlan plan = Plan(FieldType::Date);
   plan.dialect.format = "%Q";
   try {
-    MakeColumnTyper(plan, "v", 16);
+    MakeColumnTyper(plan, "v");
     FAIL();
   } catch (const DataError& error) {
     EXPECT_THAT(error.what(), HasSubstr("x.schema.json: field \"v\": the format \"%Q\" cannot be used"));
@@ -177,12 +223,12 @@ TEST(InferredColumn, takesTheTypeThatAllCellsHave) {
       {{}, FieldType::String},
   };
   for (const Inference& inference : cases) {
-    for (const std::size_t blockRows : {1U, 2U, 100U}) {
-      const TypedColumn column = Read(Plan(FieldType::Inferred), inference.cells, blockRows);
-      EXPECT_EQ(column.facts.type, inference.type) << testing::PrintToString(inference.cells) << blockRows;
+    for (const Manner manner : kManners) {
+      const TypedColumn column = Read(Plan(FieldType::Inferred), inference.cells, manner);
+      EXPECT_EQ(column.facts.type, inference.type) << testing::PrintToString(inference.cells) << manner.pieceRows;
       EXPECT_TRUE(column.facts.inferred);
       EXPECT_EQ(column.facts.rows, static_cast<std::int64_t>(inference.cells.size()));
-      EXPECT_EQ(column.column.rows(), static_cast<std::int64_t>(inference.cells.size()));
+      EXPECT_EQ(column.column.groups->rows(), static_cast<std::int64_t>(inference.cells.size()));
       EXPECT_EQ(column.column.isString(), inference.type == FieldType::String);
     }
   }
@@ -190,8 +236,8 @@ TEST(InferredColumn, takesTheTypeThatAllCellsHave) {
 
 TEST(InferredColumn, keepsEveryTextWhenItTurnsOutToBeAString) {
   const std::vector<std::string> cells = {"1", "007", "", "2.50", "NA"};
-  for (const std::size_t blockRows : {1U, 2U, 3U, 100U}) {
-    const TypedColumn column = Read(Plan(FieldType::Inferred), cells, blockRows);
+  for (const Manner manner : kManners) {
+    const TypedColumn column = Read(Plan(FieldType::Inferred), cells, manner);
     EXPECT_EQ(Texts(column), cells);
     EXPECT_EQ(column.facts.blankCells, 1);
     EXPECT_EQ(column.facts.longestValue, 4U);
@@ -200,14 +246,14 @@ TEST(InferredColumn, keepsEveryTextWhenItTurnsOutToBeAString) {
 
 TEST(InferredColumn, isNotDecidedByMissingEntries) {
   const ColumnPlan plan = Plan(FieldType::Inferred, {"", "NA", "-9", "1900-01-01"});
-  for (const std::size_t blockRows : {1U, 2U, 100U}) {
-    const TypedColumn numbers = Read(plan, {"NA", "-9", "2.5", "NA", "1"}, blockRows);
+  for (const Manner manner : kManners) {
+    const TypedColumn numbers = Read(plan, {"NA", "-9", "2.5", "NA", "1"}, manner);
     EXPECT_EQ(numbers.facts.type, FieldType::Number);
     EXPECT_THAT(Numbers(numbers), AreSame(Values{kNaN, -9, 2.5, kNaN, 1}));
-    const TypedColumn dates = Read(plan, {"1900-01-01", "1970-01-02", "-9", "1900-01-01"}, blockRows);
+    const TypedColumn dates = Read(plan, {"1900-01-01", "1970-01-02", "-9", "1900-01-01"}, manner);
     EXPECT_EQ(dates.facts.type, FieldType::Date);
     EXPECT_THAT(Numbers(dates), AreSame(Values{kNaN, 86'400, -9, kNaN}));
-    const TypedColumn texts = Read(plan, {"NA", "-9", "x"}, blockRows);
+    const TypedColumn texts = Read(plan, {"NA", "-9", "x"}, manner);
     EXPECT_EQ(Texts(texts), (std::vector<std::string>{"NA", "-9", "x"}));
   }
 }
@@ -247,18 +293,18 @@ TEST(InferredColumn, doesNotDependOnTheOrderOfCellsOrTheBlocks) {
     for (std::string& cell : cells) cell = pool[random() % pool.size()];
     if (!cells.empty() && random() % 3 == 0) cells[random() % cells.size()] = spoilers[random() % spoilers.size()];
     const FieldType expected = TypeOfAll(cells);
-    const TypedColumn column = Read(Plan(FieldType::Inferred), cells, random() % 5 + 1);
+    const TypedColumn column =
+        Read(Plan(FieldType::Inferred), cells, {random() % 5 + 1, random() % 12 + 1, random() % 6});
     ASSERT_EQ(column.facts.type, expected) << testing::PrintToString(cells);
     ++met[expected];
     for (std::size_t row = 0; row < cells.size(); ++row) {
-      const auto at = static_cast<std::int64_t>(row);
       const std::string text(Trimmed(cells[row]));
       if (expected == FieldType::String) {
-        ASSERT_EQ(column.column.Text(at), text.empty() ? "" : cells[row]);
+        ASSERT_EQ(Texts(column)[row], text.empty() ? "" : cells[row]);
       } else if (text.empty()) {
-        ASSERT_TRUE(std::isnan(column.column.Number(at)));
+        ASSERT_TRUE(std::isnan(Numbers(column)[row]));
       } else if (expected == FieldType::Integer || expected == FieldType::Number) {
-        ASSERT_EQ(column.column.Number(at), std::stod(text));
+        ASSERT_EQ(Numbers(column)[row], std::stod(text));
       }
     }
   }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "runtime/data/store/numericpart.h"
 #include "runtime/data/typing/columnfacts.h"
 
 namespace runtime::data {
@@ -10,7 +11,11 @@ namespace {
 
 ValueFacts FactsOf(const std::vector<double>& values) {
   ValueFacts facts;
-  for (const double value : values) facts.Add(&value, 1, Summarize(&value, 1));
+  for (const double value : values) {
+    NumericPart part;
+    part.AppendDoubles(&value, 1);
+    part.AddFactsTo(facts);
+  }
   return facts;
 }
 
