@@ -13,6 +13,14 @@ namespace {
 
 constexpr std::size_t kBitsOfWord = StructureMarks::kBytesOfWord;
 
+/// Makes cells of plain text: the first begins at `begin`, each ends at the next of `ends`, and the following one
+/// begins behind it. All are counted from `place`, modulo 2^32.
+void WriteCells(std::uint32_t place, std::uint32_t begin, const std::uint32_t* ends, std::size_t count, Cell* cells) {
+  if (count == 0) return;
+  cells[0] = {place + begin, ends[0] - begin};
+  for (std::size_t i = 1; i < count; ++i) cells[i] = {place + ends[i - 1] + 1, ends[i] - ends[i - 1] - 1};
+}
+
 /// Writes the cells of a row as far as it has columns.
 struct CellWriter {
   const char* text;  // of the block
@@ -30,6 +38,15 @@ struct CellWriter {
       Put<kMayBeQuoted, false>(place, ends);
     else
       Put<kMayBeQuoted, true>(place, ends);
+  }
+
+  /// Takes the `count` cells, none of them quoted, that end at `ends`, which are counted from `place`.
+  void Write(std::uint32_t place, const std::uint32_t* ends, std::size_t count) {
+    if (count == 0) return;
+    const std::size_t taken = std::min(count, columns - std::min(filled, columns));
+    WriteCells(place, begin - place, ends, taken, row + filled);
+    filled += count;
+    begin = place + ends[count - 1] + 1;
   }
 
  private:
@@ -110,6 +127,7 @@ bool SegmentScanner::Next(CellBlock& block) {
 
 void SegmentScanner::CutRows() {
   while (fAt < fEnd && fRows < fLimits.rows && (fRows == 0 || fAt - fBase <= fLimits.placeReach)) {
+    if (CutPlainRows()) continue;
     const char first = fText[fAt];
     if (fColumns > 1 && (first == '\n' || first == '\r')) {
       fFindings.NoteBlankLine();
@@ -125,10 +143,46 @@ void SegmentScanner::CutRows() {
     if (CutRecord() == Cut::Stopped) return;
     fFindings.NoteRow();
     fLines[fRows++] = line;
-    if (fFilled == fColumns) continue;
-    fFindings.NoteRagged(line, fFilled, fColumns);
-    if (fFilled < fColumns) std::fill(fRow + fFilled, fRow + fColumns, Cell{});
+    if (fFilled != fColumns) FitRow(fRow, fFilled, line);
   }
+}
+
+bool SegmentScanner::CutPlainRows() {
+  if (fMarks.hasQuotes || fAt >= fMarks.end() || MaySkipBlanks() || IsBeyondReach()) return false;
+  const std::uint32_t* const ends = fMarks.cellEndPlaces.data();
+  const auto windowPlace = static_cast<std::uint32_t>(fMarks.begin - fBase);
+  CatchUp(fAt);
+  std::size_t line = fNextLineEnd;
+  std::size_t next = fNextCellEnd;
+  std::size_t at = fAt - fMarks.begin;
+  const std::size_t before = at;
+  for (; line < fMarks.lineEndCount && at + fMarks.begin < fEnd && fRows < fLimits.rows; ++line) {
+    const std::size_t first = std::exchange(next, fMarks.lineEndIndices[line] + 1);
+    const std::size_t count = next - first;
+    const std::size_t lineEnd = ends[next - 1];
+    // A blank line takes the slow way, but for an only column.
+    if (lineEnd == at && fColumns > 1) {
+      next = first;
+      break;
+    }
+    if (fRows == fLines.size()) MakeRoom();
+    Cell* const row = fCells.data() + fRows * fStride;
+    WriteCells(windowPlace, static_cast<std::uint32_t>(at), ends + first, std::min(count, fColumns), row);
+    fFindings.NoteRow();
+    fLines[fRows++] = fFindings.lineEnds;
+    if (count != fColumns) FitRow(row, count, fFindings.lineEnds);
+    if (lineEnd + fMarks.begin < fText.size()) ++fFindings.lineEnds;
+    at = BehindLineEnd(lineEnd + fMarks.begin) - fMarks.begin;
+  }
+  fNextLineEnd = line;
+  fNextCellEnd = next;
+  fAt = at + fMarks.begin;
+  return at != before;
+}
+
+void SegmentScanner::FitRow(Cell* row, std::size_t cells, std::int64_t line) {
+  fFindings.NoteRagged(line, cells, fColumns);
+  if (cells < fColumns) std::fill(row + cells, row + fColumns, Cell{});
 }
 
 void SegmentScanner::MakeRoom() {
@@ -154,7 +208,16 @@ SegmentScanner::Cut SegmentScanner::CutRecord() {
     const std::size_t wordBegin = fMarks.begin + word * kBitsOfWord;
     const auto wordPlace = static_cast<std::uint32_t>(wordBegin - fBase);
     std::uint64_t lineEnds = 0;
-    if (!quotes.concernsWord()) {
+    if (!fMarks.hasQuotes && !quotes.concernsWord()) {
+      const auto [first, count, endsLine] = TakePlainRun(std::max(fBase + writer.begin, wordBegin));
+      writer.Write(static_cast<std::uint32_t>(fMarks.begin - fBase), fMarks.cellEndPlaces.data() + first, count);
+      if (endsLine) {
+        fFilled = writer.filled;
+        EndRecord(fMarks.begin + fMarks.cellEndPlaces[first + count - 1]);
+        return Cut::Whole;
+      }
+      word = fMarks.words - 1;
+    } else if (!quotes.concernsWord()) {
       lineEnds = fMarks.lineEnds[word] & ends;
       writer.Write<false>(wordPlace, ends & BitsUpToLowest(lineEnds));
     } else if (quotes.IsSpecialBefore(fMarks.cellEnds[word])) {
@@ -224,6 +287,23 @@ SegmentScanner::Cut SegmentScanner::CutRecord() {
     from = ~std::uint64_t{0};
     quotes.GoOn(fMarks.quotes[word]);
   }
+}
+
+void SegmentScanner::CatchUp(std::size_t at) {
+  const std::size_t place = at - fMarks.begin;
+  while (fNextCellEnd < fMarks.cellEndCount && fMarks.cellEndPlaces[fNextCellEnd] < place) ++fNextCellEnd;
+  while (fNextLineEnd < fMarks.lineEndCount && fMarks.lineEndIndices[fNextLineEnd] < fNextCellEnd) ++fNextLineEnd;
+}
+
+SegmentScanner::PlainRun SegmentScanner::TakePlainRun(std::size_t from) {
+  CatchUp(from);
+  const std::size_t first = fNextCellEnd;
+  if (fNextLineEnd == fMarks.lineEndCount) {
+    fNextCellEnd = fMarks.cellEndCount;
+    return {first, fMarks.cellEndCount - first, false};
+  }
+  fNextCellEnd = fMarks.lineEndIndices[fNextLineEnd++] + 1;
+  return {first, fNextCellEnd - first, true};
 }
 
 SegmentScanner::Cut SegmentScanner::CutRestOfRecord(std::size_t begin) {
@@ -336,6 +416,8 @@ void SegmentScanner::EndRecord(std::size_t lineEnd) {
 
 void SegmentScanner::MarkFrom(std::size_t begin, bool atRecord) {
   fMarker.Mark(begin, atRecord, fMarks);
+  fNextCellEnd = 0;
+  fNextLineEnd = 0;
   fSawNonAscii = fSawNonAscii || fMarks.hasNonAscii;
 }
 

@@ -69,7 +69,22 @@ class SegmentScanner {
   };
   enum class Cut { Whole, Stopped };
 
+  /// Cell ends of a window without quotes, by their indices in its list.
+  struct PlainRun {
+    std::size_t first = 0;
+    std::size_t count = 0;
+    bool endsLine = false;  // the last is a line end
+  };
+
   void CutRows();
+  /// Takes the rows that end in the window, as long as no quotes and no blank lines are there; whether it took any.
+  bool CutPlainRows();
+  /// Passes over what stands before `at` in the lists of the window.
+  void CatchUp(std::size_t at);
+  /// The cell ends at or behind `from`, up to the next line end or the end of the window.
+  PlainRun TakePlainRun(std::size_t from);
+  /// For a row, already noted, of a wrong length.
+  void FitRow(Cell* row, std::size_t cells, std::int64_t line);
   /// For more rows in the block.
   void MakeRoom();
   Cut CutRecord();
@@ -100,6 +115,8 @@ class SegmentScanner {
   ScanLimits fLimits;
   StructureMarker fMarker;
   StructureMarks fMarks;
+  std::size_t fNextCellEnd = 0;  // in the lists of fMarks: those before are taken
+  std::size_t fNextLineEnd = 0;
 
   std::size_t fAt = 0;   // begin of the next record
   std::size_t fEnd = 0;  // of the segment

@@ -10,6 +10,18 @@
 #include "hwy/foreach_target.h"
 #include "hwy/highway.h"
 
+#ifndef RUNTIME_DATA_CSV_STRUCTUREMARKS_ONCE
+#define RUNTIME_DATA_CSV_STRUCTUREMARKS_ONCE
+namespace runtime::data {
+
+struct EndCounts {
+  std::size_t cellEnds;
+  std::size_t lineEnds;
+};
+
+}  // namespace runtime::data
+#endif
+
 HWY_BEFORE_NAMESPACE();
 namespace runtime::data {
 namespace HWY_NAMESPACE {
@@ -38,6 +50,32 @@ bool MarkBytes(const std::uint8_t* HWY_RESTRICT text, std::size_t words, std::ui
   return !hn::AllTrue(d, hn::Lt(seen, hn::Set(d, std::uint8_t{0x80})));
 }
 
+/// Lists the places of the set bits of `cellEnds` and which of them are set in `lineEnds` too; how many there are. May
+/// write a vector more of places.
+EndCounts ListEnds(const std::uint64_t* HWY_RESTRICT cellEnds, const std::uint64_t* HWY_RESTRICT lineEnds,
+                   std::size_t words, std::uint32_t* HWY_RESTRICT places, std::uint32_t* HWY_RESTRICT lines) {
+  const hn::CappedTag<std::uint32_t, 16> d;
+  const std::size_t lanes = hn::Lanes(d);
+  const std::uint64_t bitsOfVector = (std::uint64_t{1} << lanes) - 1;
+  const auto iota = hn::Iota(d, 0);
+  std::uint32_t* const firstPlace = places;
+  std::uint32_t* const firstLine = lines;
+  for (std::size_t word = 0; word < words; ++word) {
+    const auto before = static_cast<std::uint32_t>(places - firstPlace);
+    for (std::uint64_t lineBits = lineEnds[word]; lineBits != 0; lineBits &= lineBits - 1)
+      *lines++ = before + static_cast<std::uint32_t>(hwy::PopCount(cellEnds[word] & (lineBits ^ (lineBits - 1)))) - 1;
+    for (std::size_t bit = 0; bit < 64; bit += lanes) {
+      const std::uint64_t bits = cellEnds[word] >> bit & bitsOfVector;
+      std::uint8_t bytes[8];
+      std::memcpy(bytes, &bits, sizeof bytes);
+      const auto ends = hn::LoadMaskBits(d, bytes);
+      hn::StoreU(hn::Compress(hn::Add(iota, hn::Set(d, static_cast<std::uint32_t>(word * 64 + bit))), ends), d, places);
+      places += hwy::PopCount(bits);
+    }
+  }
+  return {static_cast<std::size_t>(places - firstPlace), static_cast<std::size_t>(lines - firstLine)};
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace runtime::data
 HWY_AFTER_NAMESPACE();
@@ -47,6 +85,7 @@ HWY_AFTER_NAMESPACE();
 namespace runtime::data {
 
 HWY_EXPORT(MarkBytes);
+HWY_EXPORT(ListEnds);
 
 namespace {
 
@@ -93,20 +132,31 @@ void StructureMarker::Mark(std::size_t begin, bool atRecord, StructureMarks& mar
   const char before = atRecord ? '\n' : fText[begin - 1];
   std::uint64_t behindCarriageReturn = before == '\r' ? 1 : 0;
   std::uint64_t behindEnd = before == '\r' || before == '\n' || before == fDelimiter ? 1 : 0;
-  const std::uint64_t hasQuotes = fHasQuotes ? ~std::uint64_t{0} : 0;
+  const std::uint64_t counted = fHasQuotes ? ~std::uint64_t{0} : 0;
+  std::uint64_t anyQuotes = 0;
   for (std::size_t word = 0; word < marks.words; ++word) {
     const std::uint64_t carriageReturns = marks.lineEnds[word];
     const std::uint64_t lineFeeds = marks.openings[word];
     const std::uint64_t ends = marks.cellEnds[word] | carriageReturns | lineFeeds;
-    const std::uint64_t quotes = marks.quotes[word] & hasQuotes;
+    const std::uint64_t quotes = marks.quotes[word] & counted;
     const std::uint64_t secondOfTwo = lineFeeds & (carriageReturns << 1 | behindCarriageReturn);
     marks.cellEnds[word] = ends & ~secondOfTwo;
     marks.lineEnds[word] = (carriageReturns | lineFeeds) & ~secondOfTwo;
     marks.quotes[word] = quotes;
+    anyQuotes |= quotes;
     marks.openings[word] = quotes & (ends << 1 | behindEnd);
     behindCarriageReturn = carriageReturns >> 63;
     behindEnd = ends >> 63;
   }
+  marks.hasQuotes = anyQuotes != 0;
+  if (marks.hasQuotes) return;
+  constexpr std::size_t kMostLanes = 16;
+  marks.cellEndPlaces.resize(fMostWords * kBytes + kMostLanes);
+  marks.lineEndIndices.resize(fMostWords * kBytes);
+  const EndCounts counts = HWY_DYNAMIC_DISPATCH(ListEnds)(marks.cellEnds.data(), marks.lineEnds.data(), marks.words,
+                                                          marks.cellEndPlaces.data(), marks.lineEndIndices.data());
+  marks.cellEndCount = counts.cellEnds;
+  marks.lineEndCount = counts.lineEnds;
 }
 
 }  // namespace runtime::data

@@ -22,6 +22,13 @@ struct StructureMarks {
   std::size_t begin = 0;                // of the window: position in the text
   std::size_t words = 0;                // that are marked, 0: no window yet
   bool hasNonAscii = false;             // some byte of the window is 0x80 or above
+  bool hasQuotes = false;
+
+  // Of a window without a quote, the same as lists.
+  std::vector<std::uint32_t> cellEndPlaces;   // from the begin of the window
+  std::vector<std::uint32_t> lineEndIndices;  // of the cell ends that are line ends, in cellEndPlaces
+  std::size_t cellEndCount = 0;
+  std::size_t lineEndCount = 0;
 
   /// Behind the window.
   std::size_t end() const { return begin + words * kBytesOfWord; }
