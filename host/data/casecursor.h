@@ -36,7 +36,8 @@ struct ColumnView {
 };
 
 /// Told before the cursor leaves a chunk, while its columns can still be read, and when the cursor dies. A cursor that
-/// dies in the middle of a chunk leaves the chunk first. A listener may remove itself or others while it is told.
+/// dies in the middle of a chunk leaves the chunk first. A listener may remove itself or others while it is told. What
+/// LeaveChunk throws passes through Next; a listener told by a cursor that dies (`leaving`) must not throw.
 class HOST_API ChunkListener {
  public:
   virtual ~ChunkListener();
@@ -68,6 +69,11 @@ class HOST_API CaseCursor {
   /// zero or infinite weight is 0 here.
   virtual const double* Weights() const = 0;
 
+  /// True from the call of Next on that found no further case.
+  bool exhausted() const { return fExhausted; }
+  /// True while the last farewell is said: whoever is told must not throw then.
+  bool leaving() const { return fLeaving; }
+
   void AddListener(ChunkListener* listener);
   void RemoveListener(ChunkListener* listener);
 
@@ -91,4 +97,5 @@ class HOST_API CaseCursor {
   std::vector<ChunkListener*> fListeners;  // null: removed while the listeners were told
   bool fTelling = false;
   bool fExhausted = false;
+  bool fLeaving = false;
 };

@@ -13,6 +13,9 @@ struct AggregationBinding {
   /// Bytes of memory that the values kept for percentiles may take, all tables together; what is beyond goes to a
   /// temporary file. 0: no limit.
   std::int64_t percentileMemory = 0;
+  /// Called once a pass, when the results behind it begin to be computed (the percentiles above all); for timings. May
+  /// be empty.
+  std::function<void()> onResultsBegin;
   /// A mean, standard deviation or percentile of the variable (dictionary index) was read from a table's results.
   std::function<void(int variable)> onScaleStatisticRead;
 };

@@ -14,6 +14,7 @@ CaseCursor::CaseCursor() = default;
 // A derived class has said farewell already, while its columns could still be read; here only a forgotten farewell is
 // made good, so that no listener keeps a pointer to a cursor that is gone.
 CaseCursor::~CaseCursor() {
+  fLeaving = true;
   for (ChunkListener* listener : std::exchange(fListeners, {}))
     if (listener != nullptr) listener->CursorGone();
 }
@@ -32,16 +33,23 @@ void CaseCursor::RemoveListener(ChunkListener* listener) {
 
 void CaseCursor::TellListeners() {
   fTelling = true;
-  // By index: a listener may add another one.
-  for (std::size_t i = 0; i < fListeners.size(); ++i)
-    if (fListeners[i] != nullptr) fListeners[i]->LeaveChunk();
+  try {
+    // By index: a listener may add another one.
+    for (std::size_t i = 0; i < fListeners.size(); ++i)
+      if (fListeners[i] != nullptr) fListeners[i]->LeaveChunk();
+  } catch (...) {
+    fTelling = false;
+    throw;
+  }
   fTelling = false;
   fListeners.erase(std::remove(fListeners.begin(), fListeners.end(), nullptr), fListeners.end());
 }
 
 void CaseCursor::Farewell() {
+  fLeaving = true;
   if (row >= 0 && !fExhausted) TellListeners();
-  for (ChunkListener* listener : std::exchange(fListeners, {})) listener->CursorGone();
+  for (ChunkListener* listener : std::exchange(fListeners, {}))
+    if (listener != nullptr) listener->CursorGone();
 }
 
 bool CaseCursor::StepToNextChunk() {

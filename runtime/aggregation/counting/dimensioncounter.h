@@ -55,6 +55,8 @@ class DimensionCounter {
   void Unmark(std::uint32_t slot) { fMarks[slot] = kNotMet; }
   /// Marks the values counted so far; gives their number.
   int MarkCountedValues();
+  /// Slots so far.
+  std::size_t slots() const { return fMarks.size(); }
   /// REQUIRES: after this nothing but the destructor is called.
   virtual DimensionCounts Finish() = 0;
 

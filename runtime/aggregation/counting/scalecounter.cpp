@@ -6,6 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "runtime/aggregation/counting/percentiles.h"
+
 namespace runtime::aggregation {
 
 using namespace TableEncryptionCodes;
@@ -15,6 +17,9 @@ namespace {
 constexpr double kSystemMissingValue = std::numeric_limits<double>::quiet_NaN();
 // With more values than these in the hash table, looking each one up costs more than keeping it.
 constexpr std::size_t kMostHashedValues = 1024;
+// The first rows show how many values there are.
+constexpr std::size_t kFirstRows = 128;
+constexpr std::size_t kSummedAtOnce = 4096;
 
 template <class Cell>
 void Widen(const void* cells, std::size_t first, std::size_t count, Cell systemMissing, double* values) {
@@ -44,6 +49,16 @@ void ReadNumbers(const ColumnView& column, std::size_t first, std::size_t count,
   }
 }
 
+/// User-missing values become system-missing ones, which count the same here. Rule by rule over all values, which the
+/// compiler can do several at a time.
+void MakeMissing(const MissingRule& rule, double* values, std::size_t count) {
+  for (const double missing : rule.values)
+    for (std::size_t i = 0; i < count; ++i) values[i] = values[i] == missing ? kSystemMissingValue : values[i];
+  for (const MissingRule::Range& range : rule.ranges)
+    for (std::size_t i = 0; i < count; ++i)
+      values[i] = (values[i] >= range.low) & (values[i] <= range.high) ? kSystemMissingValue : values[i];
+}
+
 int VariableOf(const std::vector<AggregationStatistic>& statistics, const MAVO_DataSource& source) {
   const int variable = statistics.empty() ? -1 : statistics.front().GetVariable();
   return variable < static_cast<int>(source.ColumnCount()) ? variable : -1;
@@ -51,7 +66,8 @@ int VariableOf(const std::vector<AggregationStatistic>& statistics, const MAVO_D
 
 }  // namespace
 
-ScaleCounter::ScaleCounter(std::vector<AggregationStatistic> statistics, const MAVO_DataSource& source)
+ScaleCounter::ScaleCounter(std::vector<AggregationStatistic> statistics, const MAVO_DataSource& source,
+                           std::shared_ptr<ValueMemory> memory)
     : fStatistics(std::move(statistics)),
       fIndex(VariableOf(fStatistics, source)),
       fMissing(fIndex < 0 ? MissingRule() : source.GetVariable(fIndex).GetMissingRule()),
@@ -59,7 +75,8 @@ ScaleCounter::ScaleCounter(std::vector<AggregationStatistic> statistics, const M
       fWantsMoments(Asks(kMean) || Asks(kStdDev)),
       fWantsPercentiles(Asks(kPercentile)),
       fSlots(fIsString),
-      fCountsValues(fIsString || fWantsMoments || fWantsPercentiles) {
+      fCountsValues(fIsString || fWantsMoments || fWantsPercentiles),
+      fValues(std::move(memory)) {
   fSums.Resize(fSlots.size());
 }
 
@@ -78,12 +95,18 @@ void ScaleCounter::CountRows(const Chunk& chunk, std::size_t first, std::size_t 
   // Whole numbers of 16 bits are always few enough to be counted.
   const bool isShort = column.storage == ColumnStorage::Int8 || column.storage == ColumnStorage::Int16;
   const bool wantsValues = fWantsMoments || fWantsPercentiles;
-  ForEachBlock(first, count, kBlockRows, [&](std::size_t row, std::size_t rows) {
+  const auto work = [&](std::size_t row, std::size_t rows) {
     if (fCountsValues || (isShort && wantsValues))
       CountSlots(column, chunk.weights, row, rows);
     else
       TakeValues(column, chunk.weights, row, rows);
-  });
+  };
+  std::size_t done = 0;
+  if (fCountsValues && fCountedRows < kFirstRows) {
+    done = std::min(count, kFirstRows);
+    work(first, done);
+  }
+  ForEachBlock(first + done, count - done, kBlockRows, work);
 }
 
 void ScaleCounter::CountSlots(const ColumnView& column, const ChunkWeights& weights, std::size_t row,
@@ -92,51 +115,112 @@ void ScaleCounter::CountSlots(const ColumnView& column, const ChunkWeights& weig
   fSlots.Assign(column, row, rows, slots.data());
   if (fSlots.size() > fSums.slots()) fSums.Resize(fSlots.size());
   fSums.Add(slots.data(), rows, weights, row);
-  if (!fIsString && fSlots.numbers().hashedValues() > kMostHashedValues) fCountsValues = false;
+  fCountedRows += rows;
+  if (fIsString || !fCountsValues) return;
+  const std::size_t hashed = fSlots.numbers().hashedValues();
+  const bool mostlyNew = fCountedRows >= kFirstRows && 2 * hashed > fCountedRows;
+  if (mostlyNew || hashed > kMostHashedValues) fCountsValues = false;
 }
 
 void ScaleCounter::TakeValues(const ColumnView& column, const ChunkWeights& weights, std::size_t row,
                               std::size_t rows) {
   std::array<double, kBlockRows> values;
-  std::array<double, kBlockRows> itsWeights;
-  std::array<std::uint32_t, kBlockRows> slots;
   ReadNumbers(column, row, rows, values.data());
-  for (std::size_t i = 0; i < rows; ++i) slots[i] = std::isnan(values[i]) ? kSystemMissingSlot : kOtherValidSlot;
-  if (!fMissing.empty())
-    for (std::size_t i = 0; i < rows; ++i)
-      if (fMissing.holds(values[i])) slots[i] = kOtherMissingSlot;
-  fSums.Add(slots.data(), rows, weights, row);
-  if (!fWantsMoments && !fWantsPercentiles) return;
+  if (!fMissing.empty()) MakeMissing(fMissing, values.data(), rows);
 
+  // The valid values come to the front; each is written and the end moves or not, without a branch to mispredict.
   std::size_t valid = 0;
-  for (std::size_t i = 0; i < rows; ++i) {
-    const bool counts = slots[i] == kOtherValidSlot && weights.IsPositive(row + i);
-    values[valid] = values[i];
-    itsWeights[valid] = weights.exact == nullptr ? 1.0 : weights.exact[row + i];
-    valid += counts ? 1 : 0;
+  if (weights.exact == nullptr) {
+    for (std::size_t i = 0; i < rows; ++i) {
+      const double value = values[i];
+      values[valid] = value;
+      valid += value == value ? 1 : 0;
+    }
+    fSums.AddUnits(kOtherValidSlot, valid);
+    fSums.AddUnits(kSystemMissingSlot, rows - valid);
+    KeepValues(values.data(), nullptr, valid, weights);
+    return;
   }
-  const bool isWeighted = weights.exact != nullptr;
-  if (fWantsMoments && isWeighted) fMoments.AddWeighted(values.data(), itsWeights.data(), valid);
-  if (fWantsMoments && !isWeighted) fMoments.AddUnits(values.data(), valid);
-  if (fWantsPercentiles) KeepValues(values.data(), isWeighted ? itsWeights.data() : nullptr, valid);
+  std::array<double, kBlockRows> itsWeights;
+  std::array<double, kBlockRows> otherWeights;
+  std::size_t others = 0;
+  for (std::size_t i = 0; i < rows; ++i) {
+    const double value = values[i];
+    const double weight = weights.exact[row + i];
+    const bool counts = (value == value) & (weight > 0.0);
+    values[valid] = value;
+    itsWeights[valid] = weight;
+    otherWeights[others] = weight;
+    valid += counts ? 1 : 0;
+    others += counts ? 0 : 1;
+  }
+  fSums.AddAll(kOtherValidSlot, itsWeights.data(), valid, weights);
+  fSums.AddAll(kSystemMissingSlot, otherWeights.data(), others, weights);
+  KeepValues(values.data(), itsWeights.data(), valid, weights);
 }
 
-void ScaleCounter::KeepValues(const double* values, const double* weights, std::size_t count) {
-  const std::size_t before = fValues.values.size();
-  fValues.values.insert(fValues.values.end(), values, values + count);
-  if (weights != nullptr) {
-    // Values of weight 1 from unweighted chunks get their weights only now.
-    fValues.weights.resize(before, 1.0);
-    fValues.weights.insert(fValues.weights.end(), weights, weights + count);
-  } else if (!fValues.weights.empty()) {
-    fValues.weights.resize(before + count, 1.0);
+void ScaleCounter::KeepValues(const double* values, const double* itsWeights, std::size_t count,
+                              const ChunkWeights& weights) {
+  if (!fWantsMoments && !fWantsPercentiles) return;
+  while (count > 0) {
+    const std::size_t taken = fValues.Add(values, itsWeights, count);
+    if (taken == 0) {
+      SumPending();
+      fValues.OpenNext(fWantsPercentiles, itsWeights != nullptr);
+      fSummed = 0;
+      continue;
+    }
+    if (weights.form == ChunkWeights::Form::Narrow)
+      fPendingShift = std::max(fPendingShift, weights.shift);
+    else if (weights.form != ChunkWeights::Form::Units)
+      fPendingIsNarrow = false;
+    values += taken;
+    if (itsWeights != nullptr) itsWeights += taken;
+    count -= taken;
   }
+  if (fValues.open().count - fSummed >= kSummedAtOnce) SumPending();
+}
+
+void ScaleCounter::SumPending() {
+  const KeptValues::Block open = fValues.open();
+  const std::size_t count = open.count - fSummed;
+  const double* values = open.values + fSummed;
+  const double* itsWeights = open.weights == nullptr ? nullptr : open.weights + fSummed;
+  const bool isNarrow = std::exchange(fPendingIsNarrow, true);
+  const int shift = std::exchange(fPendingShift, 0);
+  fSummed = open.count;
+  if (!fWantsMoments || count == 0) return;
+  if (itsWeights == nullptr)
+    fMoments.AddUnits(values, count);
+  else if (isNarrow)
+    fMoments.AddNarrow(values, itsWeights, shift, count);
+  else
+    fMoments.AddWeighted(values, itsWeights, count);
+}
+
+/// The values that were counted, with the sums of their weights.
+void ScaleCounter::AddCountedMoments(const std::vector<std::pair<double, WeightTotal>>& counted) {
+  std::vector<double> values;
+  std::vector<std::uint64_t> units;
+  int shift = 0;
+  for (const auto& [value, weight] : counted) {
+    const UInt128 itsUnits = weight.InUnits();
+    if (weight.wide != nullptr || itsUnits >> 63 != 0) {
+      fMoments.AddCounted(value, weight);
+      continue;
+    }
+    shift = weight.shift;  // the same of all sums of one object
+    values.push_back(value);
+    units.push_back(static_cast<std::uint64_t>(itsUnits));
+  }
+  fMoments.AddInUnits(values.data(), units.data(), shift, values.size());
 }
 
 std::vector<double> ScaleCounter::Finish() {
+  WeightedValues values;
+  auto& counted = values.counted;
   WeightTotal valid = fSums.Total(kOtherValidSlot);
   WeightTotal missing = fSums.Total(kSystemMissingSlot);
-  missing += fSums.Total(kOtherMissingSlot);
   for (std::size_t slot = kFirstValueSlot; slot < fSums.slots(); ++slot) {
     if (fSums.IsZero(slot)) continue;
     const WeightTotal weight = fSums.Total(slot);
@@ -146,10 +230,10 @@ std::vector<double> ScaleCounter::Finish() {
     }
     valid += weight;
     if (fIsString) continue;
-    const double value = fSlots.numbers().value(slot);
-    if (fWantsMoments) fMoments.AddCounted(value, weight);
-    if (fWantsPercentiles) fValues.counted.emplace_back(value, weight);
+    if (fWantsMoments || fWantsPercentiles) counted.emplace_back(fSlots.numbers().value(slot), weight);
   }
+  SumPending();
+  if (fWantsMoments) AddCountedMoments(counted);
   WeightTotal total = valid;
   total += missing;
 
@@ -157,8 +241,10 @@ std::vector<double> ScaleCounter::Finish() {
   for (const AggregationStatistic& statistic : fStatistics)
     if (statistic.GetSummaryStatistic() == kPercentile) cutPoints.push_back(statistic.GetPTileCutPoint());
   const bool hasNumbers = fIndex >= 0 && !fIsString;
+  std::sort(counted.begin(), counted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  values.kept = &fValues;
   const std::vector<double> percentiles =
-      hasNumbers ? Percentiles(fValues, valid, cutPoints) : std::vector<double>(cutPoints.size(), kSystemMissingValue);
+      hasNumbers ? Percentiles(values, valid, cutPoints) : std::vector<double>(cutPoints.size(), kSystemMissingValue);
   std::vector<double> results;
   std::size_t percentile = 0;
   for (const AggregationStatistic& statistic : fStatistics) {

@@ -1,13 +1,17 @@
 // Counting, moments and percentiles of one scale variable.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "host/aggregation/statistics.h"
 #include "host/data/datasource.h"
 
 #include "runtime/aggregation/counting/chunk.h"
-#include "runtime/aggregation/counting/percentiles.h"
+#include "runtime/aggregation/counting/keptvalues.h"
 #include "runtime/aggregation/counting/valueslots.h"
 #include "runtime/aggregation/counting/weightsums.h"
 #include "runtime/aggregation/exact/moments.h"
@@ -19,20 +23,27 @@ namespace runtime::aggregation {
 class ScaleCounter {
  public:
   /// All statistics name one variable, or none. A variable that is not in the dictionary has no valid value.
-  ScaleCounter(std::vector<AggregationStatistic> statistics, const MAVO_DataSource& source);
+  /// `memory` is where values are kept; null: without limit.
+  ScaleCounter(std::vector<AggregationStatistic> statistics, const MAVO_DataSource& source,
+               std::shared_ptr<ValueMemory> memory);
 
+  /// Throws machine::SpillError, as does Finish.
   void CountRows(const Chunk& chunk, std::size_t first, std::size_t count);
   /// The values of the statistics, parallel to their list. System-missing is NaN. REQUIRES: after this nothing but the
   /// destructor is called.
   std::vector<double> Finish();
 
-  const std::vector<AggregationStatistic>& statistics() const { return fStatistics; }
+  /// Values from which Finish has to select.
+  std::size_t keptValues() const { return static_cast<std::size_t>(fValues.count()) + fSlots.size(); }
 
  private:
   bool Asks(TableEncryptionCodes::StatisticCodes code) const;
   void CountSlots(const ColumnView& column, const ChunkWeights& weights, std::size_t row, std::size_t rows);
   void TakeValues(const ColumnView& column, const ChunkWeights& weights, std::size_t row, std::size_t rows);
-  void KeepValues(const double* values, const double* weights, std::size_t count);
+  /// `itsWeights` null: every weight is 1.
+  void KeepValues(const double* values, const double* itsWeights, std::size_t count, const ChunkWeights& weights);
+  void SumPending();
+  void AddCountedMoments(const std::vector<std::pair<double, WeightTotal>>& counted);
 
   std::vector<AggregationStatistic> fStatistics;
   int fIndex;  // negative: no such variable
@@ -41,10 +52,17 @@ class ScaleCounter {
   bool fWantsMoments;
   bool fWantsPercentiles;
   ValueSlots fSlots;
-  WeightSums fSums;  // by slot; values taken one by one stand under kOtherValidSlot and kOtherMissingSlot
+  WeightSums fSums;  // by slot; values taken one by one stand under kOtherValidSlot, missing ones under
+                     // kSystemMissingSlot
   bool fCountsValues;
-  MomentSums fMoments;     // of the values taken one by one
-  WeightedValues fValues;  // the same values, when percentiles are wanted
+  std::uint64_t fCountedRows = 0;
+  // The values taken one by one. Those of the open block from fSummed on are not in the moments yet: summing costs
+  // least thousands at a time, and a chunk may have a few rows only.
+  KeptValues fValues;
+  MomentSums fMoments;
+  std::size_t fSummed = 0;
+  bool fPendingIsNarrow = true;  // weights of the pending values: whole multiples of 2^-fPendingShift
+  int fPendingShift = 0;
 };
 
 }  // namespace runtime::aggregation

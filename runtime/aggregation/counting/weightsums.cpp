@@ -1,8 +1,11 @@
 #include "runtime/aggregation/counting/weightsums.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <utility>
+
+#include "runtime/aggregation/exact/binary64.h"
 
 namespace runtime::aggregation {
 
@@ -43,6 +46,25 @@ void WeightSums::Add(const std::uint32_t* slots, std::size_t count, const ChunkW
       for (std::size_t i = 0; i < count; ++i) fWide[slots[i]].Add(weights.exact[row + i]);
       break;
   }
+}
+
+void WeightSums::AddAll(std::uint32_t slot, const double* exact, std::size_t count, const ChunkWeights& form) {
+  if (count == 0) return;
+  PrepareFor(form);
+  if (form.form == ChunkWeights::Form::Wide) {
+    for (std::size_t i = 0; i < count; ++i) fWide[slot].Add(exact[i]);
+    return;
+  }
+  UInt128 sum = 0;
+  if (form.form == ChunkWeights::Form::Narrow) {
+    // A power of two: the product is exact, and whole.
+    const double scale = std::ldexp(1.0, form.shift);
+    for (std::size_t i = 0; i < count; ++i)
+      sum += static_cast<std::uint64_t>(static_cast<std::int64_t>(exact[i] * scale));
+  } else {
+    for (std::size_t i = 0; i < count; ++i) sum += InUnitsOf<UInt128>(exact[i], form.shift);
+  }
+  fScaled[slot] += sum;
 }
 
 bool WeightSums::IsZero(std::size_t slot) const {

@@ -22,6 +22,9 @@ class WeightSums {
   void Add(const std::uint32_t* slots, std::size_t count, const ChunkWeights& weights, std::size_t row);
   /// The same for one row.
   void AddRow(std::uint32_t slot, const ChunkWeights& weights, std::size_t row);
+  /// Adds weights of rows of a chunk, which are given as they are, to one slot. REQUIRES: `form` is that of the chunk,
+  /// and not Units.
+  void AddAll(std::uint32_t slot, const double* exact, std::size_t count, const ChunkWeights& form);
   /// Adds `cases` cases of weight 1.
   void AddUnits(std::uint32_t slot, std::uint64_t cases) { fUnits[slot] += cases; }
 

@@ -59,7 +59,12 @@ Dyadic::Dyadic(UInt128 integer, int exponent) : fExponent(exponent) {
 
 Dyadic::Dyadic(const std::uint64_t* limbs, std::size_t count, int unitExponent) : fExponent(unitExponent) {
   mpz_init(fInteger);
-  if (limbs[count - 1] >> 63 == 0) {
+  const bool negative = limbs[count - 1] >> 63 != 0;
+  // A wide sum mostly holds numbers of few limbs: what only repeats the sign above and is zero below is left out.
+  const std::uint64_t sign = negative ? ~std::uint64_t{0} : 0;
+  while (count > 0 && limbs[count - 1] == sign) --count;
+  for (; count > 0 && limbs[0] == 0; ++limbs, --count) fExponent += 64;
+  if (!negative) {
     SetFromLimbs(fInteger, limbs, count);
     return;
   }

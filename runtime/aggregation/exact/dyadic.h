@@ -37,6 +37,7 @@ class Dyadic {
   /// -1, 0 or 1.
   int sign() const { return mpz_sgn(fInteger); }
   friend int Compare(const Dyadic& a, const Dyadic& b) { return (a - b).sign(); }
+  friend bool operator==(const Dyadic& a, const Dyadic& b) { return Compare(a, b) == 0; }
   friend bool operator<(const Dyadic& a, const Dyadic& b) { return Compare(a, b) < 0; }
   friend bool operator<=(const Dyadic& a, const Dyadic& b) { return Compare(a, b) <= 0; }
   friend bool operator>=(const Dyadic& a, const Dyadic& b) { return Compare(a, b) >= 0; }

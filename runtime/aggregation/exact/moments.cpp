@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <memory>
 
 #include "runtime/aggregation/exact/binary64.h"
+#include "runtime/aggregation/exact/exponentbins.h"
 
 namespace runtime::aggregation {
 
@@ -27,73 +27,44 @@ std::array<std::uint64_t, N + 1> Multiply(const std::array<std::uint64_t, N>& fa
   return product;
 }
 
-/// Significands and their squares summed apart by sign and exponent: with the exponent given, the sums are plain
-/// integer additions. Values are handed on to the wide sums once per call, not once per value.
-class ExponentBins {
- public:
-  // 2^22 squares of 106 bits fit into 128 bits.
-  static constexpr std::size_t kMostValues = std::size_t{1} << 22;
-
-  /// REQUIRES: count <= kMostValues.
-  void Add(const double* values, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-      const auto bits = std::bit_cast<std::uint64_t>(values[i]);
-      const std::uint64_t key = bits >> 52;
-      const std::uint64_t biased = key & 0x7FF;
-      const std::uint64_t significand = (bits & kSignificandMask) | (std::uint64_t{biased != 0} << 52);
-      fLowest = std::min(fLowest, biased);
-      fHighest = std::max(fHighest, biased);
-      Bin& bin = fBins[key];
-      bin.sum += significand;
-      bin.squares += UInt128{significand} * significand;
-    }
-  }
-
-  /// Moves all into the wide sums.
-  void MoveTo(ProductSum& sum, SquareSum& squares) {
-    for (std::uint64_t biased = fLowest; biased <= fHighest; ++biased) {
-      const int exponent = biased == 0 ? kSmallestExponent : static_cast<int>(biased) - 1075;
-      for (const bool negative : {false, true}) {
-        Bin& bin = fBins[biased | (std::uint64_t{negative} << 11)];
-        if (bin.sum == 0) continue;
-        sum.Add(bin.sum, exponent, negative);
-        squares.Add(bin.squares, 2 * exponent, false);
-        bin = Bin();
-      }
-    }
-    fLowest = kNone;
-    fHighest = 0;
-  }
-
- private:
-  struct Bin {
-    UInt128 sum = 0;
-    UInt128 squares = 0;
-  };
-  static constexpr std::uint64_t kNone = 0x7FF;
-
-  std::array<Bin, 4096> fBins{};  // by sign and biased exponent, the upper 12 bits of a double
-  std::uint64_t fLowest = kNone;  // biased exponents met
-  std::uint64_t fHighest = 0;
-};
-
-/// One a thread, empty between calls.
-ExponentBins& Bins() {
-  thread_local const std::unique_ptr<ExponentBins> bins = std::make_unique<ExponentBins>();
+/// One a thread and kind, empty between calls.
+template <class Bin>
+ExponentBins<Bin>& BinsOfThread() {
+  thread_local const std::unique_ptr<ExponentBins<Bin>> bins = std::make_unique<ExponentBins<Bin>>();
   return *bins;
+}
+
+/// Adds part by part, as much as the bins hold at once.
+template <class Bin, class WeightOf>
+void AddInBins(const double* values, std::size_t count, int shift, WeightOf weightOf, ProductSum& sum,
+               SquareSum& squares) {
+  ExponentBins<Bin>& bins = BinsOfThread<Bin>();
+  for (std::size_t first = 0; first < count; first += ExponentBins<Bin>::kMostValues) {
+    const std::size_t part = std::min(count - first, ExponentBins<Bin>::kMostValues);
+    bins.Add(values + first, part, [first, weightOf](std::size_t i) { return weightOf(first + i); });
+    bins.MoveTo(shift, sum, squares);
+  }
 }
 
 }  // namespace
 
 void MomentSums::AddUnits(const double* values, std::size_t count) {
-  ExponentBins& bins = Bins();
-  while (count > 0) {
-    const std::size_t part = std::min(count, ExponentBins::kMostValues);
-    bins.Add(values, part);
-    bins.MoveTo(fSum, fSquares);
-    values += part;
-    count -= part;
-  }
+  AddInBins<UnitBin>(
+      values, count, 0, [](std::size_t) { return std::uint64_t{1}; }, fSum, fSquares);
+}
+
+void MomentSums::AddNarrow(const double* values, const double* weights, int shift, std::size_t count) {
+  // A power of two: the product is exact, and whole.
+  const double scale = std::ldexp(1.0, shift);
+  const auto unitsOf = [weights, scale](std::size_t i) {
+    return static_cast<std::uint64_t>(static_cast<std::int64_t>(weights[i] * scale));
+  };
+  AddInBins<WeightedBin>(values, count, shift, unitsOf, fSum, fSquares);
+}
+
+void MomentSums::AddInUnits(const double* values, const std::uint64_t* units, int shift, std::size_t count) {
+  AddInBins<WeightedBin>(
+      values, count, shift, [units](std::size_t i) { return units[i]; }, fSum, fSquares);
 }
 
 void MomentSums::AddWeighted(const double* values, const double* weights, std::size_t count) {

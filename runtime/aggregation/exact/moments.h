@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "runtime/aggregation/exact/dyadic.h"
 #include "runtime/aggregation/exact/fixedsum.h"
@@ -9,12 +10,18 @@
 
 namespace runtime::aggregation {
 
-/// The sums of w x and w x^2 over values x with weights w. Exact over the whole range of doubles.
+/// The sums of w x and w x^2 over values x with weights w. Exact over the whole range of doubles. Adding costs least a
+/// few thousand values at a time.
 class MomentSums {
  public:
   /// Values of weight 1. REQUIRES: all finite (in all operations).
   void AddUnits(const double* values, std::size_t count);
+  /// Any weights, value by value.
   void AddWeighted(const double* values, const double* weights, std::size_t count);
+  /// Weights that are whole multiples of 2^-shift. REQUIRES: 0 <= shift <= 90, every weight below 2^(63 - shift).
+  void AddNarrow(const double* values, const double* weights, int shift, std::size_t count);
+  /// Weights as such multiples, `units` each. REQUIRES: the same, so every number of units is below 2^63.
+  void AddInUnits(const double* values, const std::uint64_t* units, int shift, std::size_t count);
   /// One value with the sum of its weights.
   void AddCounted(double value, const WeightTotal& weight);
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "runtime/aggregation/binding.h"
 #include "runtime/aggregation/table/tableengine.h"
 
 namespace runtime::aggregation {
@@ -18,6 +19,22 @@ Registry& CursorsOfThread() {
   return registry;
 }
 
+// Waking threads up for less, in cells and in values, costs more than it brings.
+constexpr std::size_t kCellsWorthSharing = 32768;
+constexpr std::size_t kCellsOfTask = 8192;
+constexpr std::size_t kTasksOfThread = 8;
+constexpr std::size_t kValuesWorthSharing = 8192;
+
+machine::ThreadPool* PoolOfThread() {
+  const AggregationBinding* binding = CurrentAggregation();
+  return binding == nullptr ? nullptr : binding->pool;
+}
+
+std::int64_t MemoryForValues() {
+  const AggregationBinding* binding = CurrentAggregation();
+  return binding == nullptr ? 0 : binding->percentileMemory;
+}
+
 }  // namespace
 
 std::shared_ptr<CursorWork> CursorWork::Of(CaseCursor& cursor) {
@@ -28,7 +45,10 @@ std::shared_ptr<CursorWork> CursorWork::Of(CaseCursor& cursor) {
   return work;
 }
 
-CursorWork::CursorWork(CaseCursor& cursor) : fCursor(&cursor), fChunk{&cursor, {}} { cursor.AddListener(this); }
+CursorWork::CursorWork(CaseCursor& cursor)
+    : fCursor(&cursor), fChunk{&cursor, {}}, fMemory(std::make_shared<ValueMemory>(MemoryForValues())) {
+  cursor.AddListener(this);
+}
 
 CursorWork::~CursorWork() {
   if (fCursor == nullptr) return;
@@ -36,7 +56,10 @@ CursorWork::~CursorWork() {
   CursorsOfThread().erase(fCursor);
 }
 
-void CursorWork::Remove(TableEngine& table) { fTables.erase(std::find(fTables.begin(), fTables.end(), &table)); }
+void CursorWork::Remove(TableEngine& table) {
+  const auto found = std::find(fTables.begin(), fTables.end(), &table);
+  if (found != fTables.end()) fTables.erase(found);
+}
 
 const Chunk& CursorWork::PresentChunk() {
   if (fScaledChunk != fCursor->chunkBegin) {
@@ -47,9 +70,72 @@ const Chunk& CursorWork::PresentChunk() {
   return fChunk;
 }
 
+void CursorWork::CountPending() {
+  std::size_t cells = 0;
+  for (const TableEngine* table : fTables) cells += table->PendingCells();
+  machine::ThreadPool* pool = PoolOfThread();
+  if (cells < kCellsWorthSharing || pool == nullptr || pool->threads() == 1) {
+    for (TableEngine* table : fTables) table->LeaveChunk();
+    return;
+  }
+  // What the tables share is made before they go apart.
+  PresentChunk();
+  const auto tasks = static_cast<std::size_t>(pool->threads()) * kTasksOfThread;
+  const std::size_t cellsOfTask = std::max(kCellsOfTask, cells / tasks);
+  std::vector<std::size_t> ends;  // of the tables of each task
+  std::size_t inTask = 0;
+  for (std::size_t table = 0; table < fTables.size(); ++table) {
+    inTask += fTables[table]->PendingCells();
+    if (inTask < cellsOfTask && table + 1 < fTables.size()) continue;
+    ends.push_back(table + 1);
+    inTask = 0;
+  }
+  pool->ForEach(ends.size(), [&](std::size_t task) {
+    for (std::size_t table = task == 0 ? 0 : ends[task - 1]; table < ends[task]; ++table) fTables[table]->LeaveChunk();
+  });
+}
+
 void CursorWork::LeaveChunk() {
-  for (TableEngine* table : fTables) table->LeaveChunk();
+  if (fFailure) return;
+  try {
+    CountPending();
+  } catch (...) {
+    fFailure = std::current_exception();
+    if (!fCursor->leaving()) throw;
+  }
   fScaledChunk = -1;
+}
+
+void CursorWork::BeginResults() {
+  if (std::exchange(fResultsBegan, true)) return;
+  const AggregationBinding* binding = CurrentAggregation();
+  if (binding != nullptr && binding->onResultsBegin) binding->onResultsBegin();
+}
+
+void CursorWork::FinishTables() {
+  struct Cost {
+    std::size_t values;
+    TableEngine* table;
+  };
+  std::vector<Cost> costs;
+  std::size_t values = 0;
+  for (TableEngine* table : fTables) {
+    if (!table->hasRequest()) continue;
+    costs.push_back({table->ValuesToFinish(), table});
+    values += costs.back().values;
+  }
+  // All at once: taking them off the list one by one would be work in the square of their number.
+  fTables.erase(
+      std::remove_if(fTables.begin(), fTables.end(), [](const TableEngine* table) { return table->hasRequest(); }),
+      fTables.end());
+  // The longest work first, so that no thread is left alone with it at the end.
+  std::stable_sort(costs.begin(), costs.end(), [](const Cost& a, const Cost& b) { return a.values > b.values; });
+  machine::ThreadPool* pool = PoolOfThread();
+  if (pool == nullptr || values < kValuesWorthSharing)
+    for (const Cost& cost : costs) cost.table->ComputeResults();
+  else
+    pool->ForEach(costs.size(), [&costs](std::size_t i) { costs[i].table->ComputeResults(); });
+  for (const Cost& cost : costs) cost.table->Detach();
 }
 
 void CursorWork::CursorGone() {

@@ -2,19 +2,22 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <vector>
 
 #include "host/data/casecursor.h"
 
 #include "runtime/aggregation/counting/chunk.h"
+#include "runtime/aggregation/counting/keptvalues.h"
 
 namespace runtime::aggregation {
 
 class TableEngine;
 
 /// Works the tables' pending rows through before the cursor leaves a chunk, and scales the chunk's weights once for all
-/// of them. The tables are independent of each other within a chunk.
+/// of them. The tables are independent of each other within a chunk, and so are their results behind the last one: both
+/// are shared out among the threads of the calling thread's binding.
 class CursorWork : public ChunkListener {
  public:
   /// The one of this cursor on the calling thread.
@@ -32,15 +35,29 @@ class CursorWork : public ChunkListener {
   /// REQUIRES: the cursor stands in a chunk.
   const Chunk& PresentChunk();
 
+  /// Where the tables keep values.
+  const std::shared_ptr<ValueMemory>& memory() const { return fMemory; }
+  /// The results of a table are about to be computed.
+  void BeginResults();
+  /// Ends the counting for all tables. REQUIRES: the cursor is exhausted.
+  void FinishTables();
+  /// What a table's work threw while it was not to be told; nothing is counted behind it. Null: nothing.
+  const std::exception_ptr& failure() const { return fFailure; }
+
   void LeaveChunk() override;
   void CursorGone() override;
 
  private:
+  void CountPending();
+
   CaseCursor* fCursor;  // null when it is gone
   std::vector<TableEngine*> fTables;
   WeightScaler fScaler;
   Chunk fChunk;
   std::int64_t fScaledChunk = -1;  // chunkBegin of the chunk whose weights are scaled; negative: none
+  std::shared_ptr<ValueMemory> fMemory;
+  bool fResultsBegan = false;
+  std::exception_ptr fFailure;
 };
 
 }  // namespace runtime::aggregation

@@ -94,7 +94,8 @@ void TableEngine::CreateTableDimension() {
 
 void TableEngine::AddScaleStatistics(const std::vector<AggregationStatistic>& statistics) {
   fScaleStatistics.insert(fScaleStatistics.end(), statistics.begin(), statistics.end());
-  if (!fScaleStatistics.empty()) fScaleCounter = std::make_unique<ScaleCounter>(fScaleStatistics, fSource);
+  if (!fScaleStatistics.empty())
+    fScaleCounter = std::make_unique<ScaleCounter>(fScaleStatistics, fSource, fWork->memory());
 }
 
 void TableEngine::SetCellStatistics(std::vector<AggregationStatistic> perCategory,
@@ -164,6 +165,11 @@ void TableEngine::Flush() {
   fTable.fWatch.nextNewRow = fSearches ? fTable.fPending.end : -1;
 }
 
+std::size_t TableEngine::PendingCells() const {
+  const std::size_t columns = fDimension == nullptr ? 1 : std::max<std::size_t>(1, fDimension->variables().size());
+  return PendingInChunk().count * columns;
+}
+
 void TableEngine::LeaveChunk() {
   Flush();
   fSearchedUpTo = 0;
@@ -181,8 +187,10 @@ void TableEngine::BeginRun() {
 
 void TableEngine::CursorGone() {
   fTable.fPending.begin = fTable.fPending.end;
-  fWork.reset();
-  Finish();
+  const std::shared_ptr<CursorWork> work = std::exchange(fWork, nullptr);
+  fFailure = work->failure();
+  if (!fFailure) ComputeResults();
+  Detach();
 }
 
 void TableEngine::Detach() {
@@ -195,8 +203,35 @@ void TableEngine::Detach() {
 }
 
 void TableEngine::Finish() {
-  if (fTable.fCursor == &NoCursor()) return;
-  if (fWork != nullptr) Flush();
+  if (fWork != nullptr) {
+    // Detaching the last table takes the work away.
+    const std::shared_ptr<CursorWork> work = fWork;
+    if (work->failure()) std::rethrow_exception(work->failure());
+    work->BeginResults();
+    if (work->cursor().exhausted()) {
+      work->FinishTables();
+    } else {
+      Flush();
+      ComputeResults();
+    }
+    if (fWork != nullptr) Detach();
+  }
+  if (fFailure) std::rethrow_exception(fFailure);
+}
+
+std::size_t TableEngine::ValuesToFinish() const {
+  return (fCounter == nullptr ? 0 : fCounter->slots()) + (fScaleCounter == nullptr ? 0 : fScaleCounter->keptValues());
+}
+
+void TableEngine::ComputeResults() noexcept {
+  try {
+    MakeResults();
+  } catch (...) {
+    fFailure = std::current_exception();
+  }
+}
+
+void TableEngine::MakeResults() {
   if (fCounter != nullptr) {
     if (!fSearches) fTable.fWatch.count = fCounter->MarkCountedValues();
     fCounts = fCounter->Finish();
@@ -207,7 +242,6 @@ void TableEngine::Finish() {
     fScaleResults = fScaleCounter->Finish();
     fScaleCounter.reset();
   }
-  Detach();
 }
 
 void TableEngine::MakeCategories() {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -36,12 +37,25 @@ class TableEngine {
   void BeginRun();
   /// Works the pending rows through.
   void LeaveChunk();
-  /// Ends the counting, as does Finish: the columns cannot be read any more.
+  /// Cells of the pending rows.
+  std::size_t PendingCells() const;
+  /// Ends the counting, as does Finish: the columns cannot be read any more. Does not throw.
   void CursorGone();
   /// Values of the dimension met in the rows taken, looking ahead as far as pays; sets the table's watch.
   int NumberOfValues();
-  /// Works the pending rows through and computes the results. Further rows are not taken.
+  /// Works the pending rows through and computes the results, those of all tables of an exhausted cursor at once.
+  /// Further rows are not taken. Throws what went wrong in counting this table or computing its results.
   void Finish();
+
+  // The steps of Finish, for all tables of a cursor.
+  /// A dimension or statistics are asked for, and the results are not yet computed.
+  bool hasRequest() const { return fCounter != nullptr || fScaleCounter != nullptr; }
+  /// How long ComputeResults takes, in values.
+  std::size_t ValuesToFinish() const;
+  /// The results of the rows counted; touches nothing that tables share. What it throws waits for Finish.
+  void ComputeResults() noexcept;
+  /// Ends the connection with the cursor.
+  void Detach();
 
   // Results. REQUIRES: Finish.
   std::vector<AggregationCategory>& categories() { return fCategories; }
@@ -62,7 +76,7 @@ class TableEngine {
   void SearchUpTo(const Chunk& chunk, std::size_t row);
   void KeepFoundBefore(std::size_t row);
   void ForgetFound();
-  void Detach();
+  void MakeResults();
   void MakeCategories();
   std::vector<double> CellValues(const std::vector<AggregationStatistic>& statistics, const WeightTotal& weight) const;
 
@@ -90,6 +104,7 @@ class TableEngine {
   DimensionCounts fCounts;
   std::vector<AggregationCategory> fCategories;
   std::vector<double> fScaleResults;
+  std::exception_ptr fFailure;  // null: nothing went wrong
 
   static constexpr std::size_t kFirstSearchStep = 64;
   static constexpr std::size_t kLargestSearchStep = 4096;

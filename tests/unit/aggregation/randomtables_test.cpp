@@ -14,6 +14,7 @@
 #include "host/aggregation/table.h"
 #include "host/data/datasource.h"
 
+#include "runtime/aggregation/binding.h"
 #include "runtime/data/builder.h"
 #include "tests/unit/aggregation/support/rational.h"
 #include "tests/unit/aggregation/support/reference.h"
@@ -314,8 +315,32 @@ void ExpectDimension(const TableUnderTest& under, const CubeAggregator& aggregat
   EXPECT_PRED2(SameNumber, total->GetStatValue(1).GetValue1(), NearestOf(expected.total));
 }
 
+/// Binds the aggregation library as a session would.
+class Bound {
+ public:
+  explicit Bound(runtime::aggregation::AggregationBinding binding)
+      : fBinding(std::move(binding)), fPrevious(runtime::aggregation::BindAggregation(&fBinding)) {}
+  ~Bound() { runtime::aggregation::BindAggregation(fPrevious); }
+  Bound(const Bound&) = delete;
+  Bound& operator=(const Bound&) = delete;
+
+ private:
+  runtime::aggregation::AggregationBinding fBinding;
+  runtime::aggregation::AggregationBinding* fPrevious;
+};
+
+/// Every other run keeps all values for percentiles in a file, every third has threads.
+runtime::aggregation::AggregationBinding BindingOf(std::uint64_t seed) {
+  static runtime::machine::ThreadPool pool(3);
+  runtime::aggregation::AggregationBinding binding;
+  binding.percentileMemory = seed % 2 == 0 ? 1 : 0;
+  binding.pool = seed % 3 == 0 ? &pool : nullptr;
+  return binding;
+}
+
 void RunOnce(std::uint64_t seed, std::size_t mostRows, std::size_t askOneIn) {
   SCOPED_TRACE("seed " + std::to_string(seed));
+  const Bound bound(BindingOf(seed));
   Random random(seed);
   const std::size_t rows = random.Below(mostRows + 1);
   const World world = MakeWorld(random, rows);

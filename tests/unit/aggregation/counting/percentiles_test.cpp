@@ -24,21 +24,29 @@ WeightTotal Fractional(double weight) {
   return total;
 }
 
-std::vector<double> Unweighted(std::vector<double> numbers, const std::vector<double>& cutPoints) {
-  WeightedValues values;
-  const WeightTotal total = Units(numbers.size());
-  values.values = std::move(numbers);
-  return Percentiles(values, total, cutPoints);
+/// `weights` null: every weight is 1.
+void Keep(KeptValues& kept, const std::vector<double>& numbers, const double* weights) {
+  for (std::size_t done = 0; done < numbers.size();) {
+    const std::size_t added =
+        kept.Add(numbers.data() + done, weights == nullptr ? nullptr : weights + done, numbers.size() - done);
+    if (added == 0) kept.OpenNext(true, weights != nullptr);
+    done += added;
+  }
+}
+
+std::vector<double> Unweighted(const std::vector<double>& numbers, const std::vector<double>& cutPoints) {
+  KeptValues kept;
+  Keep(kept, numbers, nullptr);
+  return Percentiles({{}, &kept}, Units(numbers.size()), cutPoints);
 }
 
 std::vector<double> Weighted(const std::vector<double>& numbers, const std::vector<double>& weights,
                              const std::vector<double>& cutPoints) {
-  WeightedValues values;
-  values.values = numbers;
-  values.weights = weights;
+  KeptValues kept;
+  Keep(kept, numbers, weights.data());
   double sum = 0.0;
   for (const double weight : weights) sum += weight;
-  return Percentiles(values, Fractional(sum), cutPoints);
+  return Percentiles({{}, &kept}, Fractional(sum), cutPoints);
 }
 
 using Results = std::vector<double>;
@@ -118,17 +126,17 @@ TEST(Percentiles, countedAndPlainValuesMix) {
   std::mt19937_64 random(9);
   for (int round = 0; round < 100; ++round) {
     std::vector<double> all;
-    WeightedValues mixed;
+    KeptValues kept;
+    WeightedValues mixed{{}, &kept};
     for (double value = 0; value < 40; ++value) {
       const std::size_t cases = 1 + random() % 5;
       mixed.counted.emplace_back(value, Units(cases));
       all.insert(all.end(), cases, value);
     }
-    for (std::size_t i = random() % 400; i > 0; --i) {
-      mixed.values.push_back(static_cast<double>(random() % 160) / 4.0);
-      all.push_back(mixed.values.back());
-    }
-    std::shuffle(mixed.counted.begin(), mixed.counted.end(), random);
+    std::vector<double> plain(random() % 400);
+    for (double& number : plain) number = static_cast<double>(random() % 160) / 4.0;
+    Keep(kept, plain, nullptr);
+    all.insert(all.end(), plain.begin(), plain.end());
     const std::vector<double> cutPoints{25, 50, 75};
     ASSERT_EQ(Percentiles(mixed, Units(all.size()), cutPoints), Unweighted(all, cutPoints));
   }

@@ -52,6 +52,62 @@ TEST(Moments, areCorrectlyRoundedForRandomValues) {
   }
 }
 
+TEST(Moments, areTheSameHoweverTheWeightsAreGiven) {
+  std::mt19937_64 random(6);
+  for (int round = 0; round < 60; ++round) {
+    // Up to several times what is summed at once, of one exponent or of many.
+    std::vector<double> values(1 + random() % (round < 50 ? 300 : 40000));
+    std::vector<double> weights(values.size());
+    std::vector<std::uint64_t> units(values.size());
+    const int shift = round % 2 == 0 ? 50 : static_cast<int>(random() % 12);
+    const int spread = round % 3 == 0 ? 1 : 2000;
+    WeightTotal total;
+    total.shift = shift;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      values[i] = std::ldexp(static_cast<double>(random() >> 11) - 0x1p52,
+                             static_cast<int>(random() % static_cast<unsigned>(spread)) - 1050);
+      // 53 bits, up to below 2^63 units.
+      units[i] = (random() >> 11) << (random() % 11);
+      weights[i] = std::ldexp(static_cast<double>(units[i]), -shift);
+      total.scaled += units[i];
+    }
+    MomentSums one;
+    MomentSums narrow;
+    MomentSums inUnits;
+    one.AddWeighted(values.data(), weights.data(), values.size());
+    narrow.AddNarrow(values.data(), weights.data(), shift, values.size());
+    inUnits.AddInUnits(values.data(), units.data(), shift, values.size());
+    ASSERT_EQ(narrow.Mean(total), one.Mean(total));
+    ASSERT_EQ(inUnits.Mean(total), one.Mean(total));
+    const double deviation = one.StandardDeviation(total);
+    if (std::isnan(deviation)) continue;
+    ASSERT_EQ(narrow.StandardDeviation(total), deviation);
+    ASSERT_EQ(inUnits.StandardDeviation(total), deviation);
+  }
+}
+
+TEST(Moments, holdTheLargestProductsOfAFullBin) {
+  // All bits of value and weight set, as many times as a bin takes.
+  const double value = std::nextafter(2.0, 1.0);
+  const std::uint64_t units = (std::uint64_t{1} << 63) - (std::uint64_t{1} << 10);
+  const std::vector<double> values(16384, value);
+  const std::vector<double> weights(16384, static_cast<double>(units));
+  const std::vector<std::uint64_t> inUnits(16384, units);
+  MomentSums one;
+  MomentSums many;
+  MomentSums whole;
+  one.AddWeighted(values.data(), weights.data(), values.size());
+  many.AddNarrow(values.data(), weights.data(), 0, values.size());
+  whole.AddInUnits(values.data(), inUnits.data(), 0, values.size());
+  WeightTotal total;
+  total.scaled = UInt128{units} * 16384;
+  EXPECT_EQ(one.Mean(total), value);
+  EXPECT_EQ(many.Mean(total), value);
+  EXPECT_EQ(whole.Mean(total), value);
+  EXPECT_EQ(many.StandardDeviation(total), 0.0);
+  EXPECT_EQ(whole.StandardDeviation(total), 0.0);
+}
+
 TEST(Moments, neitherOverflowNorUnderflowOnTheWay) {
   EXPECT_EQ(Of({1e308, 1e308, 1e308}).mean, 1e308);
   EXPECT_EQ(Of({1e308, 1e308, 1e308}).deviation, 0.0);
