@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <utility>
 
 #include "runtime/data/csv/bitsofword.h"
@@ -381,14 +382,16 @@ void SegmentScanner::PutWithOwnText(Range quoted, bool hasDoubled, Range behind)
   }
   char* const text = fArena.Allocate(quoted.size() + behind.size());
   char* end = text;
-  if (hasDoubled) {
-    for (std::size_t at = quoted.begin; at < quoted.end; ++at) {
-      *end++ = fText[at];
-      if (fText[at] == fDialect.quote) ++at;
-    }
-  } else {
-    end = std::copy(fText.data() + quoted.begin, fText.data() + quoted.end, end);
+  const char* from = fText.data() + quoted.begin;
+  const char* const quotedEnd = fText.data() + quoted.end;
+  while (hasDoubled && from != quotedEnd) {
+    const void* const found = std::memchr(from, fDialect.quote, static_cast<std::size_t>(quotedEnd - from));
+    if (found == nullptr) break;
+    const char* const behindFirst = static_cast<const char*>(found) + 1;
+    end = std::copy(from, behindFirst, end);
+    from = behindFirst + 1;
   }
+  end = std::copy(from, quotedEnd, end);
   end = std::copy(fText.data() + behind.begin, fText.data() + behind.end, end);
   const auto size = static_cast<std::size_t>(end - text);
   fArena.GiveBack(quoted.size() + behind.size() - size);

@@ -25,7 +25,7 @@ std::size_t RowsOfCellBlock(std::size_t columns);
 /// Sizes that no result depends on.
 struct ScanLimits {
   std::size_t rows = 0;                                  // most of a block; 0: RowsOfCellBlock
-  std::size_t windowWords = 256;                         // 64 bytes each that are marked at once
+  std::size_t windowWords = 128;                         // 64 bytes each that are marked at once
   std::size_t placeReach = std::size_t{1} << 30;         // cells farther from the begin of their block get own texts
   std::size_t guessedQuoteReach = std::size_t{1} << 20;  // of a quoted cell behind a guessed begin
 };
