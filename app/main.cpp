@@ -94,6 +94,7 @@ int Run(int argc, char** argv) {
   sessionOptions.percentileMemory = options.percentileMemory;
   sessionOptions.onProgress = bar.Listener();
   sessionOptions.onPassBegins = [&stages] { stages.Begin(app::Stage::Pass, "counting"); };
+  sessionOptions.onResultsBegin = [&stages] { stages.Begin(app::Stage::Percentiles, "percentiles"); };
   sessionOptions.onTablesBegin = [&stages] { stages.Begin(app::Stage::Tables, "making tables"); };
   runtime::common::Session session(opened.dataset, {{"CODEBOOK", module.Procedure("CODEBOOK")}}, sessionOptions);
   AddNotes(opened.notes, session.report());

@@ -62,6 +62,10 @@ class Session::Binding {
     };
     fAggregation.pool = session.fOptions.pool.get();
     fAggregation.percentileMemory = session.fOptions.percentileMemory;
+    fAggregation.onResultsBegin = [this, &session] {
+      fBeforeTables = true;
+      if (session.fOptions.onResultsBegin) session.fOptions.onResultsBegin();
+    };
     fAggregation.onScaleStatisticRead = [this, &session](int variable) {
       fWatch.StatisticRead(session.fDataset->dictionary().variables[static_cast<std::size_t>(variable)]->name);
     };

@@ -25,9 +25,10 @@ struct SessionOptions {
   /// limit.
   std::int64_t percentileMemory = 0;
   machine::ProgressListener onProgress;  // of a pass over the cases
-  /// Called when a procedure asks for the cases and when it opens its first table behind that; for timings. May be
-  /// empty.
+  /// Called when a procedure asks for the cases, when the results behind the pass begin to be computed, and when the
+  /// first table behind either is opened; for timings. May be empty.
   std::function<void()> onPassBegins;
+  std::function<void()> onResultsBegin;
   std::function<void()> onTablesBegin;
 };
 

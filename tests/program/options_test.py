@@ -153,7 +153,7 @@ class Options(ProgramTest):
         self.write("long.csv", "a,b\n" + "1,0.25\n2,7.5\n" * 100_000)
         result = self.run_program("long.csv", "--timing=json", "-c", "CODEBOOK /STATISTICS COUNT MEAN QUARTILES.")
         timings = json.loads(result.messages().removeprefix("codebook: timings: "))
-        for stage in ("read", "pass", "tables", "write"):
+        for stage in ("read", "pass", "percentiles", "tables", "write"):
             self.assertGreater(timings[stage]["wall"], 0, stage)
         self.assertGreater(timings["read"]["cpu"], timings["write"]["cpu"])
 

@@ -15,6 +15,7 @@
 #include "host/output/proceduredatasource.h"
 #include "host/parser/message.h"
 
+#include "runtime/aggregation/binding.h"
 #include "runtime/data/builder.h"
 
 namespace runtime::common {
@@ -158,22 +159,51 @@ TEST(Session, aSessionInsideAnotherGivesTheBindingBack) {
   EXPECT_THAT(titles(outer), ElementsAre("outer"));
 }
 
-TEST(Session, tellsWhenThePassAndTheTablesBegin) {
+/// Runs one procedure and gives the stages that it went through.
+std::vector<std::string> stagesOf(ProcedureEntry procedure) {
   std::vector<std::string> stages;
   SessionOptions options;
   options.onPassBegins = [&stages] { stages.emplace_back("pass"); };
+  options.onResultsBegin = [&stages] { stages.emplace_back("results"); };
   options.onTablesBegin = [&stages] { stages.emplace_back("tables"); };
-  Session session(labelled("x"),
-                  {{"P",
-                    +[] {
-                      ProcedureDataSource source;
-                      delete source.NewCaseIterator(0);
-                      writeLabelTable();
-                      writeLabelTable();
-                    }}},
-                  options);
-  session.Run("P.");
-  EXPECT_THAT(stages, ElementsAre("pass", "tables"));
+  Session(labelled("x"), {{"P", procedure}}, options).Run("P.");
+  return stages;
+}
+
+void askForCases() {
+  ProcedureDataSource source;
+  delete source.NewCaseIterator(0);
+}
+
+void computeResults() { aggregation::CurrentAggregation()->onResultsBegin(); }
+
+TEST(Session, tellsWhenThePassAndTheTablesBegin) {
+  EXPECT_THAT(stagesOf(+[] {
+                askForCases();
+                writeLabelTable();
+                writeLabelTable();
+              }),
+              ElementsAre("pass", "tables"));
+}
+
+TEST(Session, tellsWhenResultsBeginToBeComputed) {
+  EXPECT_THAT(stagesOf(+[] {
+                askForCases();
+                computeResults();
+                writeLabelTable();
+              }),
+              ElementsAre("pass", "results", "tables"));
+}
+
+TEST(Session, resultsThatComeLateInterruptTheTables) {
+  EXPECT_THAT(stagesOf(+[] {
+                askForCases();
+                writeLabelTable();
+                computeResults();
+                writeLabelTable();
+                writeLabelTable();
+              }),
+              ElementsAre("pass", "tables", "results", "tables"));
 }
 
 void passTheCases() {
