@@ -9,6 +9,7 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 
+#include "runtime/data/csv/utf8validity.h"
 #include "runtime/data/utf8walk.h"
 
 namespace runtime::data {
@@ -56,9 +57,8 @@ void AppendUnits(std::string& text, const UChar* units, std::size_t count) {
   }
 }
 
-}  // namespace
-
-std::size_t FirstInvalidUtf8(std::string_view text) {
+/// A character after the other: for texts with something wrong in them.
+std::size_t PlaceOfInvalidUtf8(std::string_view text) {
   constexpr std::uint64_t kHighBits = 0x8080808080808080U;
   std::size_t at = 0;
   while (at < text.size()) {
@@ -76,11 +76,17 @@ std::size_t FirstInvalidUtf8(std::string_view text) {
   return std::string_view::npos;
 }
 
+}  // namespace
+
+std::size_t FirstInvalidUtf8(std::string_view text) {
+  return IsValidUtf8(text) ? std::string_view::npos : PlaceOfInvalidUtf8(text);
+}
+
 std::string RepairedUtf8(std::string_view text, Replacements& replaced) {
   std::string repaired;
   repaired.reserve(text.size() + text.size() / 8);
   for (std::size_t done = 0; done < text.size();) {
-    const std::size_t bad = FirstInvalidUtf8(text.substr(done));
+    const std::size_t bad = PlaceOfInvalidUtf8(text.substr(done));
     if (bad == std::string_view::npos) {
       repaired.append(text.substr(done));
       break;

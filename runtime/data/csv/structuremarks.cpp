@@ -28,6 +28,30 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+#if HWY_TARGET == HWY_SCALAR
+
+/// Bits of eight bytes, for a machine without vectors.
+std::uint8_t MarkEight(const std::uint8_t* text, std::uint8_t character) {
+  std::uint8_t bits = 0;
+  for (unsigned i = 0; i < 8; ++i) bits = static_cast<std::uint8_t>(bits | (text[i] == character ? 1U << i : 0U));
+  return bits;
+}
+
+bool MarkBytes(const std::uint8_t* text, std::size_t words, std::uint8_t delimiter, std::uint8_t quote,
+               std::uint8_t* delimiters, std::uint8_t* lineFeeds, std::uint8_t* carriageReturns, std::uint8_t* quotes) {
+  std::uint8_t seen = 0;
+  for (std::size_t at = 0; at < words * 64; at += 8) {
+    for (std::size_t i = 0; i < 8; ++i) seen = static_cast<std::uint8_t>(seen | text[at + i]);
+    delimiters[at / 8] = MarkEight(text + at, delimiter);
+    lineFeeds[at / 8] = MarkEight(text + at, '\n');
+    carriageReturns[at / 8] = MarkEight(text + at, '\r');
+    quotes[at / 8] = MarkEight(text + at, quote);
+  }
+  return seen >= 0x80;
+}
+
+#else
+
 /// Writes a bit a byte for `words` times 64 bytes; whether any byte is 0x80 or above.
 bool MarkBytes(const std::uint8_t* HWY_RESTRICT text, std::size_t words, std::uint8_t delimiter, std::uint8_t quote,
                std::uint8_t* HWY_RESTRICT delimiters, std::uint8_t* HWY_RESTRICT lineFeeds,
@@ -49,6 +73,8 @@ bool MarkBytes(const std::uint8_t* HWY_RESTRICT text, std::size_t words, std::ui
   }
   return !hn::AllTrue(d, hn::Lt(seen, hn::Set(d, std::uint8_t{0x80})));
 }
+
+#endif  // of a machine with vectors
 
 /// Lists the places of the set bits of `cellEnds` and which of them are set in `lineEnds` too; how many there are. May
 /// write a vector more of places.
