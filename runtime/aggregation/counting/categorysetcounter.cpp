@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "runtime/aggregation/counting/cellsums.h"
 #include "runtime/aggregation/counting/celltexts.h"
 
 namespace runtime::aggregation {
@@ -18,6 +19,9 @@ constexpr std::uint32_t kAllCasesSlot = 1;
 constexpr std::uint32_t kFirstCategorySlot = 2;
 
 constexpr std::size_t kBlockCells = 16 * kBlockRows;
+// Rows of a block in which hits are noted, and bytes of the notes that stay in the cache.
+constexpr std::size_t kHitRows = 512;
+constexpr std::size_t kHitBytes = std::size_t{1} << 18;
 constexpr std::size_t kNoMember = std::numeric_limits<std::size_t>::max();
 
 }  // namespace
@@ -30,7 +34,7 @@ CategorySetCounter::CategorySetCounter(const std::vector<int>& members, const MA
   fMembers.reserve(members.size());
   for (const int index : members) {
     const MAVO_Variable& variable = source.GetVariable(index);
-    fMembers.push_back({index, variable, ValueSlots(variable.GetType() > 0), {}});
+    fMembers.push_back({index, variable, ValueSlots(variable.GetType() > 0), {}, {}});
     AddLabelledValues(fMembers.size() - 1);
   }
 }
@@ -92,52 +96,130 @@ std::vector<ColumnView> CategorySetCounter::Columns(const Chunk& chunk) const {
   return columns;
 }
 
+void CategorySetCounter::EnterValues(Member& member) {
+  const MissingRule& rule = member.variable.GetMissingRule();
+  for (std::size_t own = member.category.size(); own < member.slots.size(); ++own) {
+    std::uint32_t slot = kNoResponseSlot;
+    if (own >= kFirstValueSlot && !member.slots.IsUserMissing(own, rule))
+      slot = member.slots.isString() ? CategoryOfText(std::string(member.slots.texts().text(own)))
+                                     : CategoryOfNumber(member.slots.numbers().value(own));
+    member.category.push_back(slot);
+  }
+  member.isHeld.resize(member.category.size());
+}
+
 void CategorySetCounter::AssignSlots(const std::vector<ColumnView>& columns, std::size_t first, std::size_t count) {
   fBlock.resize(fMembers.size() * count);
   std::uint32_t* slots = fBlock.data();
   for (std::size_t m = 0; m < fMembers.size(); ++m, slots += count) {
     Member& member = fMembers[m];
     member.slots.Assign(columns[m], first, count, slots);
-    const MissingRule& rule = member.variable.GetMissingRule();
-    for (std::size_t own = member.category.size(); own < member.slots.size(); ++own) {
-      std::uint32_t slot = kNoResponseSlot;
-      if (own >= kFirstValueSlot && !member.slots.IsUserMissing(own, rule))
-        slot = member.slots.isString() ? CategoryOfText(std::string(member.slots.texts().text(own)))
-                                       : CategoryOfNumber(member.slots.numbers().value(own));
-      member.category.push_back(slot);
-    }
+    EnterValues(member);
     for (std::size_t i = 0; i < count; ++i) slots[i] = member.category[slots[i]];
   }
 }
 
 void CategorySetCounter::CountRows(const Chunk& chunk, std::size_t first, std::size_t count) {
   const std::vector<ColumnView> columns = Columns(chunk);
-  ForEachBlock(first, count, BlockRows(), [&](std::size_t row, std::size_t rows) {
-    AssignSlots(columns, row, rows);
-    for (std::size_t i = 0; i < rows; ++i) {
-      if (!chunk.weights.IsPositive(row + i)) continue;
-      ++fVisit;
-      bool responded = false;
-      for (std::size_t member = 0; member < fMembers.size(); ++member) {
-        const std::uint32_t slot = fBlock[member * rows + i];
-        if (slot == kNoResponseSlot) continue;
-        responded = true;
-        if (fCountedFor[slot] == fVisit) continue;
-        fCountedFor[slot] = fVisit;
-        CategoryAt(slot).firstMember = std::min(CategoryAt(slot).firstMember, member);
-        fSums.AddRow(slot, chunk.weights, row + i);
-      }
-      if (!responded) fSums.AddRow(kNoResponseSlot, chunk.weights, row + i);
-      fSums.AddRow(kAllCasesSlot, chunk.weights, row + i);
-    }
+  ForEachBlock(first, count, kHitRows, [&](std::size_t row, std::size_t rows) {
+    if (fMarks.size() * kHitRows <= kHitBytes)
+      CountByMember(chunk, columns, row, rows);
+    else
+      ForEachBlock(row, rows, BlockRows(),
+                   [&](std::size_t begin, std::size_t part) { CountByCase(chunk, columns, begin, part); });
   });
 }
 
-void CategorySetCounter::FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
-                                       std::vector<FirstAppearance>& found) {
+/// Notes, member by member, which rows hold which category: a note is the same however many members make it.
+void CategorySetCounter::CountByMember(const Chunk& chunk, const std::vector<ColumnView>& columns, std::size_t first,
+                                       std::size_t count) {
+  std::array<std::uint32_t, kHitRows> slots;
+  std::array<std::uint8_t, kHitRows> silent;  // no member holds a category
+  silent.fill(1);
+  fSums.AddHits(kAllCasesSlot, silent.data(), count, chunk.weights, first);
+  const double* weights = chunk.weights.exact;
+  const bool allCount = weights == nullptr || *std::min_element(weights + first, weights + first + count) > 0.0;
+  for (std::size_t m = 0; m < fMembers.size(); ++m) {
+    Member& member = fMembers[m];
+    member.slots.Assign(columns[m], first, count, slots.data());
+    EnterValues(member);
+    fHits.resize(std::max(fHits.size(), fMarks.size() * kHitRows));
+    // A case that does not count holds nothing.
+    for (std::size_t i = 0; !allCount && i < count; ++i)
+      slots[i] = weights[first + i] > 0.0 ? slots[i] : kSystemMissingSlot;
+    const std::uint32_t* category = member.category.data();
+    std::uint8_t* isHeld = member.isHeld.data();
+    std::uint8_t* hits = fHits.data();
+    for (std::size_t i = 0; i < count; ++i) {
+      isHeld[slots[i]] = 1;
+      hits[category[slots[i]] * kHitRows + i] = 1;
+    }
+    for (std::size_t own = 0; own < member.isHeld.size(); ++own) {
+      if (isHeld[own] == 0) continue;
+      isHeld[own] = 0;
+      const std::uint32_t slot = category[own];
+      if (slot == kNoResponseSlot || fCountedFor[slot] == fVisit + 1) continue;
+      CategoryAt(slot).firstMember = std::min(CategoryAt(slot).firstMember, m);
+      fCountedFor[slot] = fVisit + 1;
+      fHitSlots.push_back(slot);
+    }
+  }
+  ++fVisit;
+  for (const std::uint32_t slot : fHitSlots) {
+    std::uint8_t* hits = fHits.data() + slot * kHitRows;
+    fSums.AddHits(slot, hits, count, chunk.weights, first);
+    for (std::size_t i = 0; i < count; ++i) silent[i] &= static_cast<std::uint8_t>(1 - hits[i]);
+    std::fill_n(hits, count, std::uint8_t{0});
+  }
+  fHitSlots.clear();
+  fSums.AddHits(kNoResponseSlot, silent.data(), count, chunk.weights, first);
+}
+
+/// For so many categories that most would be noted in no row of a block.
+void CategorySetCounter::CountByCase(const Chunk& chunk, const std::vector<ColumnView>& columns, std::size_t first,
+                                     std::size_t count) {
+  AssignSlots(columns, first, count);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (!chunk.weights.IsPositive(first + i)) continue;
+    ++fVisit;
+    bool responded = false;
+    for (std::size_t member = 0; member < fMembers.size(); ++member) {
+      const std::uint32_t slot = fBlock[member * count + i];
+      if (slot == kNoResponseSlot) continue;
+      responded = true;
+      if (fCountedFor[slot] == fVisit) continue;
+      fCountedFor[slot] = fVisit;
+      CategoryAt(slot).firstMember = std::min(CategoryAt(slot).firstMember, member);
+      fSums.AddRow(slot, chunk.weights, first + i);
+    }
+    if (!responded) fSums.AddRow(kNoResponseSlot, chunk.weights, first + i);
+    fSums.AddRow(kAllCasesSlot, chunk.weights, first + i);
+  }
+}
+
+/// Whether the rest of the chunk may show values not met; true also where that cannot be told at little cost.
+bool CategorySetCounter::HasNewValues(const Chunk& chunk, const std::vector<ColumnView>& columns, std::size_t first) {
+  CellSums sums;
+  for (std::size_t m = 0; m < fMembers.size(); ++m) {
+    Member& member = fMembers[m];
+    if (!SumByCell(columns[m], chunk.weights, first, chunk.rows() - first, member.slots, sums)) return true;
+    EnterValues(member);
+    for (std::size_t i = 0; i < sums.slots.size(); ++i)
+      if (sums.IsPositive(i) && fMarks[member.category[sums.slots[i]]] == kNotMet) return true;
+  }
+  return false;
+}
+
+std::size_t CategorySetCounter::FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
+                                              std::vector<FirstAppearance>& found) {
   const std::vector<ColumnView> columns = Columns(chunk);
+  if (fSearchedChunk != chunk.cursor->chunkBegin) {
+    fSearchedChunk = chunk.cursor->chunkBegin;
+    if (!HasNewValues(chunk, columns, first)) return chunk.rows();
+  }
   ForEachBlock(first, count, BlockRows(), [&](std::size_t row, std::size_t rows) {
     AssignSlots(columns, row, rows);
+    if (!hasNotMet()) return;
     const bool hasNew =
         std::any_of(fBlock.begin(), fBlock.end(), [this](std::uint32_t slot) { return fMarks[slot] == kNotMet; });
     if (!hasNew) return;
@@ -145,6 +227,7 @@ void CategorySetCounter::FindNewValues(const Chunk& chunk, std::size_t first, st
       for (std::size_t member = 0; member < fMembers.size(); ++member)
         FindInBlock(&fBlock[member * rows + i], 1, chunk.weights, row + i, found);
   });
+  return first + count;
 }
 
 DimensionCounts CategorySetCounter::Finish() {

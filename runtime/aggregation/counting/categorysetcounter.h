@@ -22,8 +22,8 @@ class CategorySetCounter : public DimensionCounter {
   CategorySetCounter(const std::vector<int>& members, const MAVO_DataSource& source);
 
   void CountRows(const Chunk& chunk, std::size_t first, std::size_t count) override;
-  void FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
-                     std::vector<FirstAppearance>& found) override;
+  std::size_t FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
+                            std::vector<FirstAppearance>& found) override;
   DimensionCounts Finish() override;
 
  private:
@@ -32,6 +32,7 @@ class CategorySetCounter : public DimensionCounter {
     MAVO_Variable variable;
     ValueSlots slots;
     std::vector<std::uint32_t> category;  // by the member's own slot: the set's slot
+    std::vector<std::uint8_t> isHeld;     // by the member's own slot; set while a block is counted
   };
   struct Category {
     bool isText;
@@ -46,8 +47,13 @@ class CategorySetCounter : public DimensionCounter {
   std::uint32_t NewCategory(Category category);
   Category& CategoryAt(std::uint32_t slot);
   void AddLabelledValues(std::size_t member);
+  /// Enters the values that a member has shown since it was last asked.
+  void EnterValues(Member& member);
   /// Fills fBlock: the set's slots of rows first, first + 1, ..., member after member.
   void AssignSlots(const std::vector<ColumnView>& columns, std::size_t first, std::size_t count);
+  bool HasNewValues(const Chunk& chunk, const std::vector<ColumnView>& columns, std::size_t first);
+  void CountByMember(const Chunk& chunk, const std::vector<ColumnView>& columns, std::size_t first, std::size_t count);
+  void CountByCase(const Chunk& chunk, const std::vector<ColumnView>& columns, std::size_t first, std::size_t count);
   std::vector<ColumnView> Columns(const Chunk& chunk) const;
   std::size_t BlockRows() const;
 
@@ -58,6 +64,9 @@ class CategorySetCounter : public DimensionCounter {
   std::vector<std::uint32_t> fBlock;
   std::vector<std::uint64_t> fCountedFor;  // by slot: the visit in which it was counted last
   std::uint64_t fVisit = 0;                // one a counted row
+  std::vector<std::uint8_t> fHits;         // by slot and row of a block: 1 where a member holds the category, else 0
+  std::vector<std::uint32_t> fHitSlots;    // those with a 1
+  std::int64_t fSearchedChunk = -1;        // chunkBegin of the chunk that was searched last; negative: none
 };
 
 }  // namespace runtime::aggregation

@@ -15,6 +15,7 @@ struct Chunk {
   ChunkWeights weights;
 
   ColumnView Column(int variable) const { return cursor->Column(variable); }
+  std::size_t rows() const { return static_cast<std::size_t>(cursor->chunkEnd - cursor->chunkBegin); }
 };
 
 /// Counters work through a chunk in blocks of this many rows, whose slots stay in the first-level cache.

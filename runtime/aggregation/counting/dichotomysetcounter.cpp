@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <limits>
+#include <unordered_set>
 
 #include "runtime/aggregation/counting/celltexts.h"
 
@@ -10,11 +12,10 @@ namespace runtime::aggregation {
 
 namespace {
 
-// Slots: the cases without a response, all cases, the cases in which one member was not hit, then the members.
+// Slots: the cases without a response, all cases, then the members.
 constexpr std::uint32_t kNoResponseSlot = 0;
 constexpr std::uint32_t kAllCasesSlot = 1;
-constexpr std::uint32_t kNoHitSlot = 2;
-constexpr std::uint32_t kFirstMemberSlot = 3;
+constexpr std::uint32_t kFirstMemberSlot = 2;
 
 constexpr std::uint8_t kUnknownCode = 2;
 constexpr int kBytesOfUnit = 8;
@@ -34,10 +35,10 @@ void CompareWhole(const Cell* cells, std::size_t count, double counted, std::uin
 }  // namespace
 
 DichotomySetCounter::DichotomySetCounter(const AggregationMDSet& dimension, const MAVO_DataSource& source) {
+  std::unordered_set<int> named;
   for (const int variable : dimension.variables()) {
-    const bool isNamedBefore = std::any_of(fMembers.begin(), fMembers.end(),
-                                           [variable](const Member& member) { return member.variable == variable; });
-    if (!isNamedBefore) fMembers.push_back({variable, source.GetVariable(variable).GetName(), nullptr, {}});
+    if (named.insert(variable).second)
+      fMembers.push_back({variable, source.GetVariable(variable).GetName(), nullptr, {}});
   }
   ResizeSlots(kFirstMemberSlot + fMembers.size());
   for (std::uint32_t slot = 0; slot < kFirstMemberSlot; ++slot) MarkNoValue(slot);
@@ -100,27 +101,22 @@ void DichotomySetCounter::CountRows(const Chunk& chunk, std::size_t first, std::
   for (const Member& member : fMembers) columns.push_back(chunk.Column(member.variable));
 
   std::array<std::uint8_t, kBlockRows> hits;
-  std::array<std::uint8_t, kBlockRows> responded;
-  std::array<std::uint32_t, kBlockRows> slots;
+  std::array<std::uint8_t, kBlockRows> silent;  // no member was hit
   ForEachBlock(first, count, kBlockRows, [&](std::size_t row, std::size_t rows) {
-    const auto add = [&](const std::uint8_t* isHit, std::uint32_t hitSlot, std::uint32_t otherSlot) {
-      for (std::size_t i = 0; i < rows; ++i) slots[i] = isHit[i] != 0 ? hitSlot : otherSlot;
-      fSums.Add(slots.data(), rows, chunk.weights, row);
-    };
-    responded.fill(0);
+    silent.fill(1);
+    fSums.AddHits(kAllCasesSlot, silent.data(), rows, chunk.weights, row);
     for (std::size_t member = 0; member < fMembers.size(); ++member) {
       FindHits(fMembers[member], columns[member], row, rows, hits.data());
-      for (std::size_t i = 0; i < rows; ++i) responded[i] |= hits[i];
-      add(hits.data(), kFirstMemberSlot + static_cast<std::uint32_t>(member), kNoHitSlot);
+      for (std::size_t i = 0; i < rows; ++i) silent[i] &= static_cast<std::uint8_t>(1 - hits[i]);
+      fSums.AddHits(kFirstMemberSlot + static_cast<std::uint32_t>(member), hits.data(), rows, chunk.weights, row);
     }
-    add(responded.data(), kNoHitSlot, kNoResponseSlot);
-    std::fill_n(slots.begin(), rows, kAllCasesSlot);
-    fSums.Add(slots.data(), rows, chunk.weights, row);
+    fSums.AddHits(kNoResponseSlot, silent.data(), rows, chunk.weights, row);
   });
 }
 
-void DichotomySetCounter::FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
-                                        std::vector<FirstAppearance>& found) {
+std::size_t DichotomySetCounter::FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
+                                               std::vector<FirstAppearance>& found) {
+  if (!hasNotMet()) return first + count;
   const std::size_t before = found.size();
   std::array<std::uint8_t, kBlockRows> hits;
   for (std::uint32_t member = 0; member < fMembers.size(); ++member) {
@@ -130,9 +126,11 @@ void DichotomySetCounter::FindNewValues(const Chunk& chunk, std::size_t first, s
     ForEachBlock(first, count, kBlockRows, [&](std::size_t row, std::size_t rows) {
       if (fMarks[slot] != kNotMet) return;
       FindHits(fMembers[member], column, row, rows, hits.data());
-      for (std::size_t i = 0; i < rows; ++i) {
+      const void* firstHit = std::memchr(hits.data(), 1, rows);
+      if (firstHit == nullptr) return;
+      for (auto i = static_cast<std::size_t>(static_cast<const std::uint8_t*>(firstHit) - hits.data()); i < rows; ++i) {
         if (hits[i] == 0 || !chunk.weights.IsPositive(row + i)) continue;
-        fMarks[slot] = kMet;
+        MarkMet(slot);
         found.push_back({row + i, slot});
         return;
       }
@@ -140,6 +138,7 @@ void DichotomySetCounter::FindNewValues(const Chunk& chunk, std::size_t first, s
   }
   std::sort(found.begin() + static_cast<std::ptrdiff_t>(before), found.end(),
             [](const FirstAppearance& a, const FirstAppearance& b) { return a.row < b.row; });
+  return first + count;
 }
 
 DimensionCounts DichotomySetCounter::Finish() {

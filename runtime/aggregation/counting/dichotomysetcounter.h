@@ -17,8 +17,8 @@ class DichotomySetCounter : public DimensionCounter {
   DichotomySetCounter(const AggregationMDSet& dimension, const MAVO_DataSource& source);
 
   void CountRows(const Chunk& chunk, std::size_t first, std::size_t count) override;
-  void FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
-                     std::vector<FirstAppearance>& found) override;
+  std::size_t FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
+                            std::vector<FirstAppearance>& found) override;
   DimensionCounts Finish() override;
 
  private:

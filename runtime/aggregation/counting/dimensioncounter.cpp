@@ -13,16 +13,18 @@ DimensionCounter::~DimensionCounter() = default;
 
 void DimensionCounter::ResizeSlots(std::size_t slots) {
   if (slots <= fMarks.size()) return;
+  fNotMet += slots - fMarks.size();
   fMarks.resize(slots, kNotMet);
   fSums.Resize(slots);
 }
 
 void DimensionCounter::FindInBlock(const std::uint32_t* slots, std::size_t count, const ChunkWeights& weights,
                                    std::size_t first, std::vector<FirstAppearance>& found) {
+  if (!hasNotMet()) return;
   const std::uint8_t* marks = fMarks.data();
   for (std::size_t i = 0; i < count; ++i) {
     if (marks[slots[i]] != kNotMet || !weights.IsPositive(first + i)) continue;
-    fMarks[slots[i]] = kMet;
+    MarkMet(slots[i]);
     found.push_back({first + i, slots[i]});
   }
 }
@@ -31,7 +33,7 @@ int DimensionCounter::MarkCountedValues() {
   int values = 0;
   for (std::size_t slot = 0; slot < fMarks.size(); ++slot) {
     if (fMarks[slot] == kNoValue || fSums.IsZero(slot)) continue;
-    fMarks[slot] = kMet;
+    MarkMet(static_cast<std::uint32_t>(slot));
     ++values;
   }
   return values;

@@ -48,11 +48,15 @@ class DimensionCounter {
   /// Adds the rows first, first + 1, ... of the chunk.
   virtual void CountRows(const Chunk& chunk, std::size_t first, std::size_t count) = 0;
   /// Appends the first appearances, among these rows of positive weight, of values not marked; marks them. In rising
-  /// order of rows. Counts nothing.
-  virtual void FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
-                             std::vector<FirstAppearance>& found) = 0;
+  /// order of rows. Counts nothing. May look at more rows of the chunk than it was asked to: gives the row up to which
+  /// it has. What it learns of the rows may be used by CountRows.
+  virtual std::size_t FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
+                                    std::vector<FirstAppearance>& found) = 0;
   /// Takes a mark back: the row was not taken.
-  void Unmark(std::uint32_t slot) { fMarks[slot] = kNotMet; }
+  void Unmark(std::uint32_t slot) {
+    fMarks[slot] = kNotMet;
+    ++fNotMet;
+  }
   /// Marks the values counted so far; gives their number.
   int MarkCountedValues();
   /// Slots so far.
@@ -61,18 +65,29 @@ class DimensionCounter {
   virtual DimensionCounts Finish() = 0;
 
  protected:
-  enum Mark : std::uint8_t { kNotMet = 0, kMet = 1, kNoValue = 2 };
+  enum Marks : std::uint8_t { kNotMet = 0, kMet = 1, kNoValue = 2 };
 
   DimensionCounter() = default;
   /// Makes room for slots below `slots`; new ones are not met.
   void ResizeSlots(std::size_t slots);
-  void MarkNoValue(std::uint32_t slot) { fMarks[slot] = kNoValue; }
+  void MarkNoValue(std::uint32_t slot) { Mark(slot, kNoValue); }
+  void MarkMet(std::uint32_t slot) { Mark(slot, kMet); }
+  /// Whether there are slots whose value was not met: without any, no row needs looking at.
+  bool hasNotMet() const { return fNotMet > 0; }
   /// One block: appends what FindNewValues asks for, given the rows' slots.
   void FindInBlock(const std::uint32_t* slots, std::size_t count, const ChunkWeights& weights, std::size_t first,
                    std::vector<FirstAppearance>& found);
 
   WeightSums fSums;
   std::vector<std::uint8_t> fMarks;  // by slot
+
+ private:
+  void Mark(std::uint32_t slot, Marks mark) {
+    if (fMarks[slot] == kNotMet) --fNotMet;
+    fMarks[slot] = mark;
+  }
+
+  std::size_t fNotMet = 0;
 };
 
 /// The counter that a dimension asks for. Keeps no pointer to `dimension`, copies the counted value, and copies the

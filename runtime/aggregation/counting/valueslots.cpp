@@ -13,11 +13,12 @@ constexpr std::uint32_t kUnknown = UINT32_MAX;
 constexpr std::int32_t kLowestInWindow = INT16_MIN;
 constexpr std::int32_t kHighestInWindow = INT16_MAX;
 
-std::size_t HashOf(double value) {
+/// All bits of the value reach the upper bits of the product, which are what is used: the lower bits of doubles, and of
+/// their products, are mostly alike.
+std::size_t PlaceOf(double value, int unusedBits) {
   std::uint64_t bits = std::bit_cast<std::uint64_t>(value);
-  bits ^= bits >> 32;
-  bits *= 0x9E3779B97F4A7C15u;
-  return static_cast<std::size_t>(bits ^ (bits >> 29));
+  bits = (bits ^ (bits >> 32)) * 0x9E3779B97F4A7C15u;
+  return static_cast<std::size_t>(bits >> unusedBits);
 }
 
 }  // namespace
@@ -64,7 +65,7 @@ std::uint32_t NumberSlots::EnterInWindow(std::int32_t value) {
 std::uint32_t NumberSlots::HashedSlot(double value) {
   if (2 * (fHashed + 1) > fTable.size()) GrowTable();
   const std::size_t mask = fTable.size() - 1;
-  std::size_t at = HashOf(value) & mask;
+  std::size_t at = PlaceOf(value, fUnusedBits);
   while (fTable[at] != kUnknown) {
     if (fValues[fTable[at]] == value) return fTable[at];
     at = (at + 1) & mask;
@@ -77,10 +78,11 @@ std::uint32_t NumberSlots::HashedSlot(double value) {
 void NumberSlots::GrowTable() {
   std::vector<std::uint32_t> old = std::move(fTable);
   fTable.assign(std::max<std::size_t>(16, 2 * old.size()), kUnknown);
+  fUnusedBits = 64 - std::countr_zero(fTable.size());
   const std::size_t mask = fTable.size() - 1;
   for (const std::uint32_t slot : old) {
     if (slot == kUnknown) continue;
-    std::size_t at = HashOf(fValues[slot]) & mask;
+    std::size_t at = PlaceOf(fValues[slot], fUnusedBits);
     while (fTable[at] != kUnknown) at = (at + 1) & mask;
     fTable[at] = slot;
   }

@@ -54,6 +54,7 @@ class NumberSlots {
   std::int32_t fWindowLow = 0;
   std::vector<std::uint32_t> fWindow;  // slot of value fWindowLow + i
   std::vector<std::uint32_t> fTable;   // open addressing; a power of two, at most half of it taken
+  int fUnusedBits = 64;                // of a hash: 64 less those that name a place in the table
   std::size_t fHashed = 0;
   std::unique_ptr<std::array<std::uint32_t, 256>> fSlotOfByte;  // made for the first chunk of 8-bit cells
   const MissingRule* fRule = nullptr;                           // null: the list is open

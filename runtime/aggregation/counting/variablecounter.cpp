@@ -9,13 +9,6 @@
 
 namespace runtime::aggregation {
 
-namespace {
-
-// From here on a histogram over all 256 byte values pays.
-constexpr std::size_t kRowsForHistogram = 512;
-
-}  // namespace
-
 VariableCounter::VariableCounter(int index, const MAVO_Variable& variable,
                                  const std::vector<std::unique_ptr<ParsedCategory>>& categories)
     : fIndex(index), fVariable(variable), fSlots(variable.GetType() > 0), fHasList(!categories.empty()) {
@@ -33,11 +26,27 @@ void VariableCounter::AssignSlots(const ColumnView& column, std::size_t first, s
   ResizeSlots(fSlots.size());
 }
 
+bool VariableCounter::SumRows(const ColumnView& column, const ChunkWeights& weights, std::size_t first,
+                              std::size_t count, CellSums& sums) {
+  if (!SumByCell(column, weights, first, count, fSlots, sums)) return false;
+  ResizeSlots(fSlots.size());
+  return true;
+}
+
 void VariableCounter::CountRows(const Chunk& chunk, std::size_t first, std::size_t count) {
+  const bool isKnown = fChunkBegin == chunk.cursor->chunkBegin && fFirst <= first && first + count <= fEnd;
+  if (isKnown && fHasSums && fFirst == first && first + count == fEnd) {
+    fSums.Add(fSumsOfRows, chunk.weights);
+    return;
+  }
+  if (isKnown && !fHasSums) {
+    fSums.Add(fSlotsOfRows.data() + (first - fFirst), count, chunk.weights, first);
+    return;
+  }
   const ColumnView column = chunk.Column(fIndex);
-  if (column.storage == ColumnStorage::Int8 && chunk.weights.form == ChunkWeights::Form::Units &&
-      count >= kRowsForHistogram) {
-    CountBytes(column, first, count);
+  CellSums sums;
+  if (SumRows(column, chunk.weights, first, count, sums)) {
+    fSums.Add(sums, chunk.weights);
     return;
   }
   std::array<std::uint32_t, kBlockRows> slots;
@@ -47,34 +56,47 @@ void VariableCounter::CountRows(const Chunk& chunk, std::size_t first, std::size
   });
 }
 
-void VariableCounter::CountBytes(const ColumnView& column, std::size_t first, std::size_t count) {
-  // Four histograms in turn: an addition need not wait for the one before it to the same place.
-  std::array<std::array<std::uint64_t, 256>, 4> histograms{};
-  const std::uint8_t* bytes = static_cast<const std::uint8_t*>(column.cells) + first;
-  std::size_t i = 0;
-  for (; i + 4 <= count; i += 4)
-    for (std::size_t lane = 0; lane < 4; ++lane) ++histograms[lane][bytes[i + lane]];
-  for (; i < count; ++i) ++histograms[0][bytes[i]];
-
-  std::array<std::uint8_t, 256> met;
-  std::array<std::uint64_t, 256> cases;
-  std::size_t values = 0;
-  for (std::size_t byte = 0; byte < 256; ++byte) {
-    const std::uint64_t sum = histograms[0][byte] + histograms[1][byte] + histograms[2][byte] + histograms[3][byte];
-    met[values] = static_cast<std::uint8_t>(byte);
-    cases[values] = sum;
-    values += sum != 0 ? 1 : 0;
+std::size_t VariableCounter::FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
+                                           std::vector<FirstAppearance>& found) {
+  const ColumnView column = chunk.Column(fIndex);
+  if (fChunkBegin != chunk.cursor->chunkBegin) {
+    fChunkBegin = chunk.cursor->chunkBegin;
+    fFirst = first;
+    fSlotsOfRows.clear();
+    // The rest of the chunk costs little, and is what will be counted when all of it is taken.
+    const std::size_t rest = chunk.rows() - first;
+    fHasSums = SumRows(column, chunk.weights, first, rest, fSumsOfRows);
+    fEnd = fHasSums ? first + rest : first;
+    if (fHasSums) {
+      FindInSums(chunk, column, first, found);
+      return fEnd;
+    }
   }
-  std::array<std::uint32_t, 256> slots;
-  AssignSlots({ColumnStorage::Int8, met.data(), nullptr}, 0, values, slots.data());
-  for (std::size_t value = 0; value < values; ++value) fSums.AddUnits(slots[value], cases[value]);
+  // Another run of rows of the same chunk: not all of it is taken.
+  if (fHasSums || first != fEnd) {
+    fHasSums = false;
+    fFirst = first;
+    fSlotsOfRows.clear();
+  }
+  fEnd = first + count;
+  fSlotsOfRows.resize(fEnd - fFirst);
+  ForEachBlock(first, count, kBlockRows, [&](std::size_t row, std::size_t rows) {
+    std::uint32_t* slots = fSlotsOfRows.data() + (row - fFirst);
+    AssignSlots(column, row, rows, slots);
+    FindInBlock(slots, rows, chunk.weights, row, found);
+  });
+  return fEnd;
 }
 
-void VariableCounter::FindNewValues(const Chunk& chunk, std::size_t first, std::size_t count,
-                                    std::vector<FirstAppearance>& found) {
-  const ColumnView column = chunk.Column(fIndex);
+/// The rows in which the values first appear of which the sums say that they are new.
+void VariableCounter::FindInSums(const Chunk& chunk, const ColumnView& column, std::size_t first,
+                                 std::vector<FirstAppearance>& found) {
+  std::size_t wanted = found.size();
+  for (std::size_t i = 0; i < fSumsOfRows.slots.size(); ++i)
+    wanted += fMarks[fSumsOfRows.slots[i]] == kNotMet && fSumsOfRows.IsPositive(i) ? std::size_t{1} : std::size_t{0};
   std::array<std::uint32_t, kBlockRows> slots;
-  ForEachBlock(first, count, kBlockRows, [&](std::size_t row, std::size_t rows) {
+  ForEachBlock(first, fEnd - first, kBlockRows, [&](std::size_t row, std::size_t rows) {
+    if (found.size() == wanted) return;
     AssignSlots(column, row, rows, slots.data());
     FindInBlock(slots.data(), rows, chunk.weights, row, found);
   });

@@ -48,6 +48,46 @@ void WeightSums::Add(const std::uint32_t* slots, std::size_t count, const ChunkW
   }
 }
 
+void WeightSums::AddHits(std::uint32_t slot, const std::uint8_t* hits, std::size_t count, const ChunkWeights& weights,
+                         std::size_t row) {
+  std::uint32_t cases = 0;
+  for (std::size_t i = 0; i < count; ++i) cases += hits[i];
+  if (weights.form == ChunkWeights::Form::Units) fUnits[slot] += cases;
+  if (cases == 0 || weights.form == ChunkWeights::Form::Units) return;
+
+  PrepareFor(weights);
+  switch (weights.form) {
+    case ChunkWeights::Form::Units:
+      break;
+    case ChunkWeights::Form::Narrow: {
+      // Half by half, so that several are added at once and no carry passes between them.
+      std::uint64_t low = 0;
+      std::uint64_t high = 0;
+      for (std::size_t i = 0; i < count; ++i) {
+        const std::uint64_t units = weights.narrow[row + i] & (std::uint64_t{0} - hits[i]);
+        low += units & UINT32_MAX;
+        high += units >> 32;
+      }
+      fScaled[slot] += (UInt128{high} << 32) + low;
+      break;
+    }
+    case ChunkWeights::Form::Broad:
+      for (std::size_t i = 0; i < count; ++i) fScaled[slot] += weights.broad[row + i] * hits[i];
+      break;
+    case ChunkWeights::Form::Wide:
+      for (std::size_t i = 0; i < count; ++i)
+        if (hits[i] != 0) fWide[slot].Add(weights.exact[row + i]);
+      break;
+  }
+}
+
+void WeightSums::Add(const CellSums& sums, const ChunkWeights& form) {
+  for (std::size_t i = 0; i < sums.cases.size(); ++i) fUnits[sums.slots[i]] += sums.cases[i];
+  if (sums.scaled.empty()) return;
+  PrepareFor(form);
+  for (std::size_t i = 0; i < sums.scaled.size(); ++i) fScaled[sums.slots[i]] += sums.scaled[i];
+}
+
 void WeightSums::AddAll(std::uint32_t slot, const double* exact, std::size_t count, const ChunkWeights& form) {
   if (count == 0) return;
   PrepareFor(form);

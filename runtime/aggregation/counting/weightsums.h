@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "runtime/aggregation/counting/cellsums.h"
 #include "runtime/aggregation/counting/chunkweights.h"
 #include "runtime/aggregation/exact/fixedsum.h"
 #include "runtime/aggregation/exact/weighttotal.h"
@@ -25,6 +26,11 @@ class WeightSums {
   /// Adds weights of rows of a chunk, which are given as they are, to one slot. REQUIRES: `form` is that of the chunk,
   /// and not Units.
   void AddAll(std::uint32_t slot, const double* exact, std::size_t count, const ChunkWeights& form);
+  /// Adds the weights of those of the rows row, row + 1, ... whose hit is 1 and not 0.
+  void AddHits(std::uint32_t slot, const std::uint8_t* hits, std::size_t count, const ChunkWeights& weights,
+               std::size_t row);
+  /// Adds sums over rows of a chunk with weights of this form. REQUIRES: the slots are below slots().
+  void Add(const CellSums& sums, const ChunkWeights& form);
   /// Adds `cases` cases of weight 1.
   void AddUnits(std::uint32_t slot, std::uint64_t cases) { fUnits[slot] += cases; }
 

@@ -96,20 +96,21 @@ struct WeightedBin {
   static constexpr std::size_t kMostAddends = std::size_t{1} << 12;
 
   UInt128 sum = 0;
-  std::array<std::uint64_t, 3> squares{};
+  UInt128 squares = 0;             // the lower 128 bits
+  std::uint64_t upperSquares = 0;  // the upper 64
 
   void Add(std::uint64_t significand, std::uint64_t weight) {
     const UInt128 product = UInt128{significand} * weight;
     sum += product;
     const UInt128 low = UInt128{LowHalf(product)} * significand;
     const UInt128 high = UInt128{HighHalf(product)} * significand + HighHalf(low);  // below 2^106
-    const UInt128 first = UInt128{squares[0]} + LowHalf(low);
-    const UInt128 rest = ((UInt128{squares[2]} << 64) | squares[1]) + high + HighHalf(first);
-    squares = {LowHalf(first), LowHalf(rest), HighHalf(rest)};
+    const UInt128 lower = (UInt128{LowHalf(high)} << 64) | LowHalf(low);
+    squares += lower;
+    upperSquares += HighHalf(high) + (squares < lower ? 1 : 0);
   }
   bool IsZero() const { return sum == 0; }
   std::array<std::uint64_t, 2> Sum() const { return {LowHalf(sum), HighHalf(sum)}; }
-  const std::array<std::uint64_t, 3>& Squares() const { return squares; }
+  std::array<std::uint64_t, 3> Squares() const { return {LowHalf(squares), HighHalf(squares), upperSquares}; }
 };
 
 }  // namespace runtime::aggregation

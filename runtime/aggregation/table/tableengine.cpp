@@ -113,12 +113,10 @@ TableEngine::RowRange TableEngine::PendingInChunk() const {
 }
 
 void TableEngine::SearchUpTo(const Chunk& chunk, std::size_t row) {
-  const auto rows = static_cast<std::size_t>(chunk.cursor->chunkEnd - chunk.cursor->chunkBegin);
   if (fSearchedUpTo >= row) return;
-  const std::size_t end = std::min(rows, std::max(row, fSearchedUpTo + fSearchStep));
+  const std::size_t end = std::min(chunk.rows(), std::max(row, fSearchedUpTo + fSearchStep));
   fSearchStep = std::min(2 * fSearchStep, kLargestSearchStep);
-  fCounter->FindNewValues(chunk, fSearchedUpTo, end - fSearchedUpTo, fFound);
-  fSearchedUpTo = end;
+  fSearchedUpTo = fCounter->FindNewValues(chunk, fSearchedUpTo, end - fSearchedUpTo, fFound);
 }
 
 void TableEngine::KeepFoundBefore(std::size_t row) {
