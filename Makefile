@@ -11,7 +11,7 @@ build = cmake --preset $(1) $(2) --log-level=WARNING >/dev/null && cmake --build
 # $(call run_tests,PRESET): last in a target, so that its closing lines are ctest's summary.
 run_tests = ctest --test-dir build/$(1) --output-on-failure --no-tests=error -j $(JOBS)
 
-.PHONY: help build demo test test-asan test-tsan coverage format check-format tidy bench clean
+.PHONY: help build demo test test-asan test-tsan coverage format check-format tidy bench bench-scaling clean
 
 help:  ## show this list
 	@sed -n 's/^\([a-z-]*\):.*## /  make \1|/p' Makefile | column -t -s '|'
@@ -60,10 +60,15 @@ tidy:  ## clang-tidy over what differs from origin/main (FILES="a.cpp b.cpp", or
 	@cmake --preset dev --log-level=WARNING >/dev/null
 	@scripts/tidy $(if $(ALL),--all,$(FILES))
 
-bench:  ## time the program on a synthetic survey (SHAPE=W, L or X)
+bench:  ## time the program beside its rivals: build/bench/table.md (ARGS="--shapes W --runs 9", --help for more)
 	@scripts/setup build bench
 	@$(call build,release,-DCODEBOOK_TESTS=OFF -DCODEBOOK_BENCH=ON)
-	@scripts/bench $(or $(SHAPE),W)
+	@scripts/bench $(ARGS)
+
+bench-scaling:  ## how cost and memory grow with the data: build/bench/scaling.md
+	@scripts/setup build bench
+	@$(call build,release,-DCODEBOOK_TESTS=OFF -DCODEBOOK_BENCH=ON)
+	@scripts/bench --scaling $(ARGS)
 
 clean:  ## remove everything that was built
 	rm -rf build

@@ -1,0 +1,209 @@
+"""How cost and memory grow: with rows and columns, with many columns, members, values and labels, and under a limit.
+
+Each check says what it measured, what it may be at most, and whether that is kept. A check without a bound only has to end.
+"""
+
+import json
+import random
+from pathlib import Path
+from typing import Callable, List, Optional
+
+from bench import answers, contenders
+from bench.comparison import stages_of
+from bench.measuring import BenchmarkError, Measured, in_turn, measure, median_of, median_ratio
+from bench.shapes import Shape, make
+from bench.tables import markdown, memory_bound, significant
+
+MEMBERS = 500
+LABELS = 200
+DISTINCT = 1_000_000
+
+
+class Scaling:
+    def __init__(self, build: Path, folder: Path, runs: int, quick: bool, tell: Callable[[str], None]):
+        self.program = build / "codebook"
+        self.generator = build / "bench" / "survey_generator"
+        self.duckdb = build / "bench" / "duckdb_rival"
+        self.folder = folder
+        self.runs = runs
+        self.part = 20 if quick else 1
+        self.suffix = "-quick" if quick else ""
+        self.tell = tell
+        self.rows: List[List[str]] = []
+
+    def all(self) -> str:
+        self.ten_times("rows", self._shape("rows-1", 500_000, 20), self._shape("rows-10", 5_000_000, 20))
+        self.ten_times("columns", self._shape("columns-1", 10_000, 500), self._shape("columns-10", 10_000, 5_000))
+        self.many_columns()
+        self.sets()
+        self.many_values()
+        self.many_labels()
+        self.memory_limit()
+        return markdown(["check", "measured", "at most", ""], self.rows)
+
+    # --- the checks
+
+    def ten_times(self, what: str, small: Shape, large: Shape) -> None:
+        """Ten times the cells at most eleven times the cost, with a dictionary and without."""
+        for path in ("csv", "plain"):
+            runs = self._in_turn({"small": self._command(small, path), "large": self._command(large, path)})
+            ratio = median_ratio(runs["large"], runs["small"])
+            words = f"10 times the {what}, {'dictionary' if path == 'csv' else 'no dictionary'}: CPU"
+            self._row(words, ratio, 11.0, f"{significant(ratio)} times ({self._cpu(runs['large'])})")
+
+    def many_columns(self) -> None:
+        shape = self._shape("wide", 3_125, 32_000)
+        for path in ("csv", "plain"):
+            run = measure(self._command(shape, path))
+            words = f"32,000 columns × {shape.rows:,} rows, {'dictionary' if path == 'csv' else 'no dictionary'}: ends"
+            per_cell = 1e9 * run.cpu / shape.cells
+            self._row(words, None, None, f"{run.cpu:.2f} s CPU, {per_cell:.0f} ns a cell, {run.memory / 1e6:.0f} MB")
+            bound = memory_bound(shape.compact_bytes())
+            self._row("– its peak memory", run.memory, bound, f"{run.memory / 1e6:.0f} MB", f"{bound / 1e6:.0f} MB")
+
+    def sets(self) -> None:
+        """A set of 500 members against the same 500 variables one by one; only the pass counts, both read the same file."""
+        shape = self._shape("sets", 100_000, 640)
+        codes = [name for name, type_ in shape.fields() if type_ == "integer"][:MEMBERS]
+        descriptor = json.loads(shape.dictionary.read_text())
+        descriptor["codebook"] = {
+            "multipleResponseSets": [
+                {"name": "$mentioned", "label": "", "type": "dichotomy", "variables": codes, "countedValue": "1",
+                 "categoryLabels": "variableLabels"},
+                {"name": "$given", "label": "", "type": "category", "variables": codes},
+            ]
+        }
+        dictionary = self.folder / "sets-with-sets.schema.json"
+        dictionary.write_text(json.dumps(descriptor))
+
+        def command(items: str) -> List:
+            text = f"CODEBOOK {items} /STATISTICS COUNT PERCENT /OPTIONS MAXCATS=1000."
+            return self._words(shape.csv, dictionary, text)
+
+        runs = self._in_turn(
+            {"variables": command(" ".join(codes)),
+             "dichotomy": command("$mentioned"), "category": command("$given")}
+        )
+        for kind in ("dichotomy", "category"):
+            ratio = median_ratio([_passed(run) for run in runs[kind]], [_passed(run) for run in runs["variables"]])
+            per_cell = 1e9 * median_of([_passed(run) for run in runs[kind]], "cpu") / (shape.rows * MEMBERS)
+            self._row(f"{kind} set of {MEMBERS} members against as many variables: CPU of the pass", ratio, 2.0,
+                      f"{significant(ratio)} times ({per_cell:.1f} ns a member and case)")
+
+    def many_values(self) -> None:
+        """A variable with 10^6 different values, against one with seven: as categories that are all kept, as categories
+        dropped for their number, as doubles with quartiles."""
+        rows = DISTINCT // self.part
+        data = self.folder / f"distinct{self.suffix}.csv"
+        dictionary = self.folder / f"distinct{self.suffix}.schema.json"
+        _write_distinct(data, dictionary, rows)
+        cases = [
+            ("numbers, all kept as categories", "few", "number", f"/OPTIONS MAXCATS={2 * rows}"),
+            ("numbers, dropped past MAXCATS", "few", "number", ""),
+            ("texts, all kept as categories", "few", "text", f"/OPTIONS MAXCATS={2 * rows}"),
+            ("texts, dropped past MAXCATS", "few", "text", ""),
+            ("doubles with quartiles", "fewdoubles", "measured", ""),
+        ]
+        for words, few, many, option in cases:
+            commands = {
+                name: self._words(data, dictionary, f"CODEBOOK {variable} /STATISTICS COUNT PERCENT MEAN STDDEV QUARTILES {option}.")
+                for name, variable in (("few", few), ("many", many))
+            }
+            runs = self._in_turn(commands)
+            seconds = median_of(runs["many"], "cpu") - median_of(runs["few"], "cpu")
+            # Sorting and hashing 10^6 values at memory speed; quadratic cost would be hours.
+            self._row(f"{rows:,} different {words}: CPU more than with 7", seconds, 2.0,
+                      f"{seconds:.2f} s ({median_of(runs['many'], 'memory') / 1e6:.0f} MB in all)", "2 s")
+
+    def many_labels(self) -> None:
+        """200 value labels on every code variable against seven; the report is longer too, so reading and pass count."""
+        shape = self._shape("labels", 100_000, 500)
+        descriptor = json.loads(shape.dictionary.read_text())
+        for field_ in descriptor["fields"]:
+            if field_["type"] == "integer":
+                field_["categories"] = [{"value": code, "label": f"Answer {code}"} for code in range(1, LABELS + 1)]
+        dictionary = self.folder / "labels-many.schema.json"
+        dictionary.write_text(json.dumps(descriptor))
+        runs = self._in_turn(
+            {"few": self._words(shape.csv, shape.dictionary, contenders.COMMAND),
+             "many": self._words(shape.csv, dictionary, contenders.COMMAND)}
+        )
+        reading = {name: [_passed(run, ("read", "pass")) for run in them] for name, them in runs.items()}
+        ratio = median_ratio(reading["many"], reading["few"])
+        self._row(f"{LABELS} value labels on every variable: CPU of reading and pass", ratio, 1.5, f"{significant(ratio)} times")
+        seconds = median_of([_passed(run, ("tables", "write")) for run in runs["many"]], "cpu")
+        labels = LABELS * sum(1 for _, type_ in shape.fields() if type_ == "integer")
+        self._row("– tables and report", None, None, f"{seconds:.2f} s, {1e6 * seconds / labels:.1f} µs a row")
+
+    def memory_limit(self) -> None:
+        """--memory-limit 256MB on L: kept, and the same report to the byte."""
+        shape = self._shape("L", 5_000_000, 20)
+        limit = 256_000_000
+        reports = []
+        for words, options in (("none", []), ("256 MB", ["--memory-limit", "256MB"])):
+            report = self.folder / "limit.json"
+            contender = contenders.ours(self.program, report, options=options)
+            run = measure(contender.command(shape, "csv", 2))
+            reports.append(report.read_bytes())
+            bound = limit if options else memory_bound(shape.compact_bytes())
+            self._row(f"peak memory on L with two threads, limit {words}", run.memory, bound,
+                      f"{run.memory / 1e6:.0f} MB ({run.cpu:.2f} s CPU)", f"{bound / 1e6:.0f} MB")
+        if reports[0] != reports[1]:
+            raise answers.Mismatch("the report is another under --memory-limit")
+
+    # --- their common steps
+
+    def _shape(self, name: str, rows: int, columns: int) -> Shape:
+        shape = Shape(name + self.suffix, rows // self.part, columns, self.folder)
+        self.tell(f"making {shape.name}")
+        make(shape, self.generator, Path("no Parquet is needed here"))
+        return shape
+
+    def _command(self, shape: Shape, path: str) -> List:
+        return contenders.ours(self.program, self.folder / "report.txt").command(shape, path, 1)
+
+    def _words(self, data: Path, dictionary: Path, text: str) -> List:
+        return [self.program, data, "-d", dictionary, "-c", text, "-o", self.folder / "report.txt", "--threads", "1",
+                "--timing=json"]
+
+    def _in_turn(self, commands: dict) -> dict:
+        return in_turn(commands, {name: self.runs for name in commands}, lambda name: self.tell(f"{len(self.rows) + 1}: {name}"))
+
+    def _cpu(self, runs: List[Measured]) -> str:
+        return f"{median_of(runs, 'cpu'):.2f} s"
+
+    def _row(self, words: str, found: Optional[float], bound: Optional[float], shown: str, bound_shown: str = "") -> None:
+        if bound is None:
+            self.rows.append([words, shown, "–", "done"])
+            return
+        self.rows.append([words, shown, bound_shown or significant(bound), "kept" if found <= bound else "**missed**"])
+
+
+def _passed(run: Measured, stages: tuple = ("pass", "percentiles")) -> Measured:
+    """The run with the processor time of some stages only."""
+    said = stages_of(run)
+    if not said:
+        raise BenchmarkError(f"the program said nothing of its time:\n{run.said}")
+    return Measured(sum(said[stage]["cpu"] for stage in stages), run.wall, run.memory, run.said)
+
+
+def _write_distinct(data: Path, dictionary: Path, rows: int) -> None:
+    order = list(range(rows))
+    random.Random(7).shuffle(order)
+    with data.open("w", encoding="ascii") as out:
+        out.write("few,number,text,fewdoubles,measured\n")
+        out.writelines(f"{at % 7},{at},t{at:07d},{at % 7}.5,{at * 0.37:.6f}\n" for at in order)
+    fields = [
+        {"name": "few", "type": "integer", "codebook": {"measure": "nominal"}},
+        {"name": "number", "type": "integer", "codebook": {"measure": "nominal"}},
+        {"name": "text", "type": "string"},
+        {"name": "fewdoubles", "type": "number", "codebook": {"measure": "scale"}},
+        {"name": "measured", "type": "number", "codebook": {"measure": "scale"}},
+    ]
+    dictionary.write_text(json.dumps({"fields": fields}))
+
+
+def run(build: Path, folder: Path, runs: int, quick: bool, machine: str, tell: Callable[[str], None]) -> str:
+    scaling = Scaling(build, folder, runs, quick, tell)
+    table = scaling.all()
+    return f"Measured {machine}; medians of {runs} runs in turn, one thread where nothing else is said.\n\n{table}"
