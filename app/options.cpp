@@ -1,6 +1,7 @@
 #include "app/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -14,6 +15,7 @@
 #include <fmt/format.h>
 
 #include "app/memorysize.h"
+#include "runtime/machine/threadpool.h"
 #include "runtime/output/render/renderer.h"
 
 namespace app {
@@ -37,7 +39,8 @@ constexpr const char* kFooter =
     "  zcat survey.csv.gz | codebook - -d survey.schema.json --weight wgt\n"
     "\n"
     "Exit status: 0 done, 1 a command stopped with an error, 2 wrong use of the command line, 3 data or dictionary\n"
-    "could not be read, 4 output or a temporary file could not be written, 70 an internal check failed, 130 interrupted.";
+    "could not be read, 4 output or a temporary file could not be written, 70 an internal check failed, 130 "
+    "interrupted.";
 
 std::string FormatNames() {
   std::string names;
@@ -90,11 +93,23 @@ void CheckThatWeightIsNamed(int argc, const char* const* argv) {
   }
 }
 
-/// The memory that the whole program is to keep within goes in these parts to the columns and to the values kept for
-/// percentiles; the rest is for text being read, counts, tables and the program itself.
+/// The memory that the whole program is to keep within goes in these parts to the columns, to the values kept for
+/// percentiles and to reading; the rest is for counts, tables and the program itself.
 constexpr std::int64_t kColumnPercent = 40;
 constexpr std::int64_t kPercentilePercent = 30;
+constexpr std::int64_t kReadingPercent = 15;
 constexpr std::int64_t kLeastMemory = 64'000'000;
+
+/// Text that is read at a time, so that all threads together need no more than this: a thread holds the cells of its
+/// text in several forms, three times its length as measured, and one text more is read ahead.
+std::size_t SegmentBytes(std::int64_t memory, int threads) {
+  constexpr std::int64_t kBytesOfTextByte = 3;
+  constexpr std::int64_t kFewest = 256 * 1024;
+  constexpr std::int64_t kEnough = 4 * 1024 * 1024;  // for which the reader needs no bound
+  const std::int64_t texts = (threads > 0 ? threads : runtime::machine::MachineThreads()) + 1;
+  const std::int64_t bytes = std::max(memory / (kBytesOfTextByte * texts), kFewest);
+  return bytes < kEnough ? static_cast<std::size_t>(bytes) : 0;
+}
 
 void LimitMemory(const std::string& text, Options& options) {
   const std::optional<std::int64_t> limit = ReadMemorySize(text);
@@ -106,6 +121,7 @@ void LimitMemory(const std::string& text, Options& options) {
     throw UsageError(fmt::format("--memory-limit: {} is too little to work with; 64MB is the least.", text));
   options.data.columnMemory = *limit / 100 * kColumnPercent;
   options.percentileMemory = *limit / 100 * kPercentilePercent;
+  options.data.segmentBytes = SegmentBytes(*limit / 100 * kReadingPercent, options.threads);
 }
 
 /// What the option library makes of a flag without a value.

@@ -22,7 +22,7 @@ struct Seconds {
 
 /// The wall clock, from any beginning, and the processor time of the process since its start.
 Seconds SecondsNow();
-/// The most memory that the process held so far, in bytes.
+/// The most memory that the process held so far, in bytes; 0 where the system does not tell.
 std::int64_t PeakMemory();
 
 /// Stages follow one another; a stage that is begun again adds to its time.

@@ -1,10 +1,11 @@
 """Data beyond --memory-limit: the same report, no file left, and a clear word when there is no room for temporary files."""
 
+import json
 import os
 import random
 import unittest
 
-from program import ProgramTest
+from program import SANITIZED, ProgramTest
 
 EVERYTHING = "CODEBOOK /STATISTICS COUNT PERCENT MEAN STDDEV QUARTILES."
 COLUMNS = 10
@@ -14,11 +15,11 @@ LEAST = "64MB"
 class MemoryLimit(ProgramTest):
     @classmethod
     def setUpClass(cls):
-        # 4 million doubles, hardly two of a column the same: 32 MB as columns, and as much again as values for quartiles.
+        # 8 million doubles, hardly two of a column the same: 64 MB as columns, and as much again as values for quartiles.
         numbers = random.Random(11)
         rows = [",".join("@" + f"{numbers.random():.6f}"[1:] for _ in range(COLUMNS)) for _ in range(4_000)]
         block = "\n".join(rows) + "\n"
-        cls.data = ",".join(f"x{i}" for i in range(COLUMNS)) + "\n" + "".join(block.replace("@", str(i)) for i in range(100))
+        cls.data = ",".join(f"x{i}" for i in range(COLUMNS)) + "\n" + "".join(block.replace("@", str(i)) for i in range(200))
 
     def setUp(self):
         super().setUp()
@@ -35,6 +36,17 @@ class MemoryLimit(ProgramTest):
             self.assert_done(self.run_limited("-o", "out/limited.json", "--threads", threads, "--memory-limit", LEAST))
             self.assertEqual(self.read("out/limited.json"), self.read("out/plain.json"))
         self.assertEqual(os.listdir(self.path("temporary")), [])
+
+    @unittest.skipIf(SANITIZED, "a sanitizer keeps memory of its own")
+    def test_memoryIsKeptWithinTheLimit(self):
+        def peak(*arguments):
+            result = self.run_limited("-o", "out/report.json", "--timing=json", *arguments)
+            self.assert_status(result, 0)
+            return json.loads(result.messages().removeprefix("codebook: timings: "))["memory"]
+
+        self.assertGreater(peak("--threads", "1"), 100_000_000)
+        for threads in ("1", "2"):
+            self.assertLessEqual(peak("--threads", threads, "--memory-limit", LEAST), 64_000_000)
 
     def test_folderForTemporaryFilesThatIsNotThere(self):
         self.write("out/report.json", "older")

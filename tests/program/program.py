@@ -12,6 +12,7 @@ if "CODEBOOK_PROGRAM" not in os.environ:
     sys.exit("Say which program to try: CODEBOOK_PROGRAM=build/dev/codebook")
 PROGRAM = os.path.abspath(os.environ["CODEBOOK_PROGRAM"])
 WITH_DUCKDB = os.environ.get("CODEBOOK_DUCKDB", "1") == "1"  # 0: it was built without Parquet and JSON lines
+SANITIZED = os.environ.get("CODEBOOK_SANITIZED", "0") == "1"  # it was built with a sanitizer
 PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 SECONDS_A_RUN = 120
 

@@ -23,8 +23,16 @@ TEST(Options, memoryIsSharedBetweenColumnsAndPercentiles) {
   EXPECT_EQ(options.percentileMemory, 76'800'000);
 }
 
+TEST(Options, littleMemoryForManyThreadsBoundsTheTextReadAtATime) {
+  // 15 % of 64 MB, 3 bytes a byte of text, one text more than threads.
+  EXPECT_EQ(read({"data.csv", "--memory-limit", "64MB", "--threads", "4"}).data.segmentBytes, 640'000u);
+  EXPECT_EQ(read({"data.csv", "--memory-limit", "64MB", "--threads", "1024"}).data.segmentBytes, 262'144u);
+  EXPECT_EQ(read({"data.csv", "--memory-limit", "1GB", "--threads", "4"}).data.segmentBytes, 0u);
+}
+
 TEST(Options, memoryIsNotLimitedUnlessAsked) {
   const Options options = read({"data.csv"});
+  EXPECT_EQ(options.data.segmentBytes, 0u);
   EXPECT_EQ(options.data.columnMemory, 0);
   EXPECT_EQ(options.percentileMemory, 0);
 }
