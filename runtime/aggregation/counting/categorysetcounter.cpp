@@ -13,11 +13,6 @@ namespace runtime::aggregation {
 
 namespace {
 
-// Slots: the cases in which no member holds a category (as a member's slot: no category), all cases, the categories.
-constexpr std::uint32_t kNoResponseSlot = 0;
-constexpr std::uint32_t kAllCasesSlot = 1;
-constexpr std::uint32_t kFirstCategorySlot = 2;
-
 constexpr std::size_t kBlockCells = 16 * kBlockRows;
 // Rows of a block in which hits are noted, and bytes of the notes that stay in the cache.
 constexpr std::size_t kHitRows = 512;
@@ -27,10 +22,10 @@ constexpr std::size_t kNoMember = std::numeric_limits<std::size_t>::max();
 }  // namespace
 
 CategorySetCounter::CategorySetCounter(const std::vector<int>& members, const MAVO_DataSource& source) {
-  ResizeSlots(kFirstCategorySlot);
+  ResizeSlots(kFirstOfSetSlot);
   MarkNoValue(kNoResponseSlot);
   MarkNoValue(kAllCasesSlot);
-  fCountedFor.resize(kFirstCategorySlot);
+  fCountedFor.resize(kFirstOfSetSlot);
   fMembers.reserve(members.size());
   for (const int index : members) {
     const MAVO_Variable& variable = source.GetVariable(index);
@@ -41,14 +36,14 @@ CategorySetCounter::CategorySetCounter(const std::vector<int>& members, const MA
 
 std::uint32_t CategorySetCounter::NewCategory(Category category) {
   fCategories.push_back(std::move(category));
-  const std::size_t slots = kFirstCategorySlot + fCategories.size();
+  const std::size_t slots = kFirstOfSetSlot + fCategories.size();
   ResizeSlots(slots);
   fCountedFor.resize(slots);
   return static_cast<std::uint32_t>(slots - 1);
 }
 
 CategorySetCounter::Category& CategorySetCounter::CategoryAt(std::uint32_t slot) {
-  return fCategories[slot - kFirstCategorySlot];
+  return fCategories[slot - kFirstOfSetSlot];
 }
 
 std::uint32_t CategorySetCounter::CategoryOfNumber(double number) {
@@ -134,9 +129,6 @@ void CategorySetCounter::CountRows(const Chunk& chunk, std::size_t first, std::s
 void CategorySetCounter::CountByMember(const Chunk& chunk, const std::vector<ColumnView>& columns, std::size_t first,
                                        std::size_t count) {
   std::array<std::uint32_t, kHitRows> slots;
-  std::array<std::uint8_t, kHitRows> silent;  // no member holds a category
-  silent.fill(1);
-  fSums.AddHits(kAllCasesSlot, silent.data(), count, chunk.weights, first);
   const double* weights = chunk.weights.exact;
   const bool allCount = weights == nullptr || *std::min_element(weights + first, weights + first + count) > 0.0;
   for (std::size_t m = 0; m < fMembers.size(); ++m) {
@@ -165,14 +157,20 @@ void CategorySetCounter::CountByMember(const Chunk& chunk, const std::vector<Col
     }
   }
   ++fVisit;
-  for (const std::uint32_t slot : fHitSlots) {
-    std::uint8_t* hits = fHits.data() + slot * kHitRows;
-    fSums.AddHits(slot, hits, count, chunk.weights, first);
-    for (std::size_t i = 0; i < count; ++i) silent[i] &= static_cast<std::uint8_t>(1 - hits[i]);
-    std::fill_n(hits, count, std::uint8_t{0});
+  std::array<std::uint8_t, kHitRows> responded{};
+  std::array<const std::uint8_t*, WeightSums::kMostTogether> hitsOf;
+  for (std::size_t done = 0; done < fHitSlots.size();) {
+    const std::size_t together = std::min(WeightSums::kMostTogether, fHitSlots.size() - done);
+    for (std::size_t k = 0; k < together; ++k) {
+      hitsOf[k] = fHits.data() + fHitSlots[done + k] * kHitRows;
+      for (std::size_t i = 0; i < count; ++i) responded[i] |= hitsOf[k][i];
+    }
+    fSums.AddHits(fHitSlots.data() + done, hitsOf.data(), together, count, chunk.weights, first);
+    done += together;
   }
+  for (const std::uint32_t slot : fHitSlots) std::fill_n(fHits.data() + slot * kHitRows, count, std::uint8_t{0});
   fHitSlots.clear();
-  fSums.AddHits(kNoResponseSlot, silent.data(), count, chunk.weights, first);
+  AddCases(responded.data(), count, chunk.weights, first);
 }
 
 /// For so many categories that most would be noted in no row of a block.
@@ -237,7 +235,7 @@ DimensionCounts CategorySetCounter::Finish() {
   };
   std::vector<Placed> placed;
   for (std::size_t i = 0; i < fCategories.size(); ++i) {
-    const auto slot = static_cast<std::uint32_t>(kFirstCategorySlot + i);
+    const auto slot = static_cast<std::uint32_t>(kFirstOfSetSlot + i);
     if (fCategories[i].isLabelled || !fSums.IsZero(slot)) placed.push_back({&fCategories[i], slot});
   }
   std::sort(placed.begin(), placed.end(), [](const Placed& a, const Placed& b) {

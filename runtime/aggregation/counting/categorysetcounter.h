@@ -58,7 +58,7 @@ class CategorySetCounter : public DimensionCounter {
   std::size_t BlockRows() const;
 
   std::vector<Member> fMembers;
-  std::vector<Category> fCategories;  // slot less kFirstCategorySlot
+  std::vector<Category> fCategories;  // slot less kFirstOfSetSlot
   std::unordered_map<double, std::uint32_t> fCategoryOfNumber;
   std::unordered_map<std::string, std::uint32_t> fCategoryOfText;
   std::vector<std::uint32_t> fBlock;

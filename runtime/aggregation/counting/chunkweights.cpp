@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 
 #include "runtime/aggregation/exact/binary64.h"
 
@@ -26,9 +27,17 @@ BitRange FindBitRange(const double* weights, std::size_t rows) {
 }
 
 template <class Integer>
-void FillInUnits(const double* weights, std::size_t rows, int shift, std::vector<Integer>& scaled) {
+void FillInUnits(const double* weights, std::size_t rows, int shift, std::vector<Integer>& scaled,
+                 std::vector<UInt128>& before) {
   scaled.resize(rows);
-  for (std::size_t i = 0; i < rows; ++i) scaled[i] = InUnitsOf<Integer>(weights[i], shift);
+  before.resize(rows + 1);
+  UInt128 sum = 0;
+  for (std::size_t i = 0; i < rows; ++i) {
+    scaled[i] = InUnitsOf<Integer>(weights[i], shift);
+    before[i] = sum;
+    sum += scaled[i];
+  }
+  before[rows] = sum;
 }
 
 }  // namespace
@@ -45,13 +54,16 @@ ChunkWeights WeightScaler::Scale(const double* weights, std::size_t rows) {
 
   fShift = result.shift = shift;
   fTop = top;
+  result.above = std::ldexp(1.0, top);
   if (shift + top <= 63) {
-    FillInUnits(weights, rows, shift, fNarrow);
+    FillInUnits(weights, rows, shift, fNarrow, fBefore);
+    result.before = fBefore.data();
     result.narrow = fNarrow.data();
     result.form = ChunkWeights::Form::Narrow;
     return result;
   }
-  FillInUnits(weights, rows, shift, fBroad);
+  FillInUnits(weights, rows, shift, fBroad, fBefore);
+  result.before = fBefore.data();
   result.broad = fBroad.data();
   result.form = ChunkWeights::Form::Broad;
   return result;

@@ -20,8 +20,11 @@ struct ChunkWeights {
   int shift = 0;
   const std::uint64_t* narrow = nullptr;
   const UInt128* broad = nullptr;
-  const double* exact = nullptr;  // with every form but Units
+  const double* exact = nullptr;    // with every form but Units
+  const UInt128* before = nullptr;  // Narrow and Broad: the sum of the weights of all rows before row i, x 2^-shift
+  double above = 0.0;               // Narrow and Broad: a bound that no weight scaled so far reaches
 
+  bool isScaled() const { return before != nullptr; }
   bool IsPositive(std::size_t row) const { return exact == nullptr || exact[row] > 0.0; }
 };
 
@@ -39,6 +42,7 @@ class WeightScaler {
   int fTop = 1;    // 2^fTop is above all weights scaled so far
   std::vector<std::uint64_t> fNarrow;
   std::vector<UInt128> fBroad;
+  std::vector<UInt128> fBefore;
 };
 
 }  // namespace runtime::aggregation

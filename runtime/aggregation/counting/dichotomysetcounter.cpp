@@ -12,11 +12,6 @@ namespace runtime::aggregation {
 
 namespace {
 
-// Slots: the cases without a response, all cases, then the members.
-constexpr std::uint32_t kNoResponseSlot = 0;
-constexpr std::uint32_t kAllCasesSlot = 1;
-constexpr std::uint32_t kFirstMemberSlot = 2;
-
 constexpr std::uint8_t kUnknownCode = 2;
 constexpr int kBytesOfUnit = 8;
 
@@ -40,8 +35,8 @@ DichotomySetCounter::DichotomySetCounter(const AggregationMDSet& dimension, cons
     if (named.insert(variable).second)
       fMembers.push_back({variable, source.GetVariable(variable).GetName(), nullptr, {}});
   }
-  ResizeSlots(kFirstMemberSlot + fMembers.size());
-  for (std::uint32_t slot = 0; slot < kFirstMemberSlot; ++slot) MarkNoValue(slot);
+  ResizeSlots(kFirstOfSetSlot + fMembers.size());
+  for (std::uint32_t slot = 0; slot < kFirstOfSetSlot; ++slot) MarkNoValue(slot);
   if (fMembers.empty() || dimension.countedValue() == nullptr) return;
 
   FormatType format = kFormatNone;
@@ -100,17 +95,25 @@ void DichotomySetCounter::CountRows(const Chunk& chunk, std::size_t first, std::
   columns.reserve(fMembers.size());
   for (const Member& member : fMembers) columns.push_back(chunk.Column(member.variable));
 
-  std::array<std::uint8_t, kBlockRows> hits;
-  std::array<std::uint8_t, kBlockRows> silent;  // no member was hit
+  constexpr std::size_t kTogether = WeightSums::kMostTogether;
+  std::array<std::array<std::uint8_t, kBlockRows>, kTogether> hits;
+  std::array<const std::uint8_t*, kTogether> hitsOf;
+  std::array<std::uint32_t, kTogether> slots;
+  for (std::size_t i = 0; i < kTogether; ++i) hitsOf[i] = hits[i].data();
+  std::array<std::uint8_t, kBlockRows> responded;
   ForEachBlock(first, count, kBlockRows, [&](std::size_t row, std::size_t rows) {
-    silent.fill(1);
-    fSums.AddHits(kAllCasesSlot, silent.data(), rows, chunk.weights, row);
-    for (std::size_t member = 0; member < fMembers.size(); ++member) {
-      FindHits(fMembers[member], columns[member], row, rows, hits.data());
-      for (std::size_t i = 0; i < rows; ++i) silent[i] &= static_cast<std::uint8_t>(1 - hits[i]);
-      fSums.AddHits(kFirstMemberSlot + static_cast<std::uint32_t>(member), hits.data(), rows, chunk.weights, row);
+    responded.fill(0);
+    for (std::size_t member = 0; member < fMembers.size();) {
+      std::size_t together = 0;
+      for (; together < kTogether && member < fMembers.size(); ++together, ++member) {
+        std::uint8_t* itsHits = hits[together].data();
+        FindHits(fMembers[member], columns[member], row, rows, itsHits);
+        for (std::size_t i = 0; i < rows; ++i) responded[i] |= itsHits[i];
+        slots[together] = kFirstOfSetSlot + static_cast<std::uint32_t>(member);
+      }
+      fSums.AddHits(slots.data(), hitsOf.data(), together, rows, chunk.weights, row);
     }
-    fSums.AddHits(kNoResponseSlot, silent.data(), rows, chunk.weights, row);
+    AddCases(responded.data(), rows, chunk.weights, row);
   });
 }
 
@@ -120,7 +123,7 @@ std::size_t DichotomySetCounter::FindNewValues(const Chunk& chunk, std::size_t f
   const std::size_t before = found.size();
   std::array<std::uint8_t, kBlockRows> hits;
   for (std::uint32_t member = 0; member < fMembers.size(); ++member) {
-    const std::uint32_t slot = kFirstMemberSlot + member;
+    const std::uint32_t slot = kFirstOfSetSlot + member;
     if (fMarks[slot] != kNotMet) continue;
     const ColumnView column = chunk.Column(fMembers[member].variable);
     ForEachBlock(first, count, kBlockRows, [&](std::size_t row, std::size_t rows) {
@@ -145,7 +148,7 @@ DimensionCounts DichotomySetCounter::Finish() {
   DimensionCounts counts;
   for (std::size_t member = 0; member < fMembers.size(); ++member)
     counts.categories.push_back(
-        {0.0, fMembers[member].variable, fMembers[member].name, fSums.Total(kFirstMemberSlot + member), true});
+        {0.0, fMembers[member].variable, fMembers[member].name, fSums.Total(kFirstOfSetSlot + member), true});
   counts.missing = fSums.Total(kNoResponseSlot);
   counts.total = fSums.Total(kAllCasesSlot);
   return counts;

@@ -29,6 +29,15 @@ void DimensionCounter::FindInBlock(const std::uint32_t* slots, std::size_t count
   }
 }
 
+void DimensionCounter::AddCases(std::uint8_t* responded, std::size_t count, const ChunkWeights& weights,
+                                std::size_t first) {
+  for (std::size_t i = 0; i < count; ++i) responded[i] ^= 1;
+  const std::uint8_t* const silent = responded;
+  const std::uint32_t slot = kNoResponseSlot;
+  fSums.AddHits(&slot, &silent, 1, count, weights, first);
+  fSums.AddRows(kAllCasesSlot, count, weights, first);
+}
+
 int DimensionCounter::MarkCountedValues() {
   int values = 0;
   for (std::size_t slot = 0; slot < fMarks.size(); ++slot) {

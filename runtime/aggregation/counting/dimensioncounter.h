@@ -78,6 +78,14 @@ class DimensionCounter {
   void FindInBlock(const std::uint32_t* slots, std::size_t count, const ChunkWeights& weights, std::size_t first,
                    std::vector<FirstAppearance>& found);
 
+  /// Of a set: adds the rows to the slot of all cases, and those of response 0 and not 1 to that of no response.
+  void AddCases(std::uint8_t* responded, std::size_t count, const ChunkWeights& weights, std::size_t first);
+
+  // Slots of a set; those of its categories follow.
+  static constexpr std::uint32_t kNoResponseSlot = 0;  // the cases without a response
+  static constexpr std::uint32_t kAllCasesSlot = 1;
+  static constexpr std::uint32_t kFirstOfSetSlot = 2;
+
   WeightSums fSums;
   std::vector<std::uint8_t> fMarks;  // by slot
 

@@ -47,23 +47,16 @@ KeptValues::~KeptValues() {
 
 KeptValues::Block KeptValues::open() const { return fOpen.view(); }
 
-std::size_t KeptValues::Add(const double* values, const double* weights, std::size_t count) {
-  if (weights != nullptr && !fOpen.weighted) return 0;
-  const std::size_t taken = std::min(count, fOpen.room - fOpen.count);
-  std::copy_n(values, taken, fOpen.cells.get() + fOpen.count);
-  TakeExtremes(values, taken, fLowest, fHighest);
-  if (fOpen.weighted) {
-    double* const itsWeights = fOpen.cells.get() + fOpen.room + fOpen.count;
-    if (weights != nullptr) {
-      std::copy_n(weights, taken, itsWeights);
-      double lightest = fHeaviest;
-      TakeExtremes(weights, taken, lightest, fHeaviest);
-    } else {
-      std::fill_n(itsWeights, taken, 1.0);
-    }
-  }
-  fOpen.count += taken;
-  return taken;
+KeptValues::Place KeptValues::next(bool weighted) const {
+  if (weighted && !fOpen.weighted) return {nullptr, nullptr, 0};
+  double* const values = fOpen.cells.get() + fOpen.count;
+  return {values, fOpen.weighted ? values + fOpen.room : nullptr, fOpen.room - fOpen.count};
+}
+
+void KeptValues::Written(std::size_t count, double above) {
+  TakeExtremes(fOpen.cells.get() + fOpen.count, count, fLowest, fHighest);
+  fAboveWeights = std::max(fAboveWeights, above);
+  fOpen.count += count;
 }
 
 void KeptValues::WriteOpen() {

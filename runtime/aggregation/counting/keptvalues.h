@@ -48,9 +48,18 @@ class KeptValues {
   KeptValues(const KeptValues&) = delete;
   KeptValues& operator=(const KeptValues&) = delete;
 
-  /// Adds as many of the values as the open block takes and gives their number. 0: the block is full, or one of another
-  /// kind is needed; what is to be done with it as it stands can be done now, then OpenNext. `weights` null: all 1.
-  std::size_t Add(const double* values, const double* weights, std::size_t count);
+  /// Where the next values can be written, `room` of them; then Written says how many they were. `weights` is null
+  /// where the block has none.
+  struct Place {
+    double* values;
+    double* weights;
+    std::size_t room;
+  };
+  /// Little room or none: the block is all but full, or one with weights is needed. What is to be done with it as it
+  /// stands can be done then, before OpenNext.
+  Place next(bool weighted) const;
+  /// `above`: none of the weights reaches it.
+  void Written(std::size_t count, double above);
   /// Closes the open block, keeping its values or not. Throws machine::SpillError.
   void OpenNext(bool keep, bool weighted);
   /// The block that is open for more, of count 0 while there is none.
@@ -62,8 +71,8 @@ class KeptValues {
   double lowest() const { return fLowest; }
   double highest() const { return fHighest; }
   bool hasWeights() const { return fOpen.weighted; }
-  /// The largest weight, at least 1.
-  double heaviest() const { return fHeaviest; }
+  /// A bound, above 1, that no weight reaches.
+  double aboveWeights() const { return fAboveWeights; }
   /// Calls visit(block) for the blocks, in order. What a block points to stays only until visit returns. Throws
   /// machine::SpillError.
   template <class Visit>
@@ -94,7 +103,7 @@ class KeptValues {
   std::uint64_t fClosedCount = 0;
   double fLowest = std::numeric_limits<double>::infinity();
   double fHighest = -std::numeric_limits<double>::infinity();
-  double fHeaviest = 1.0;
+  double fAboveWeights = 2.0;
 };
 
 template <class Visit>

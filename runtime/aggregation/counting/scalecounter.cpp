@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "runtime/aggregation/counting/cellsums.h"
 #include "runtime/aggregation/counting/percentiles.h"
 
 namespace runtime::aggregation {
@@ -20,6 +21,8 @@ constexpr std::size_t kMostHashedValues = 1024;
 // The first rows show how many values there are.
 constexpr std::size_t kFirstRows = 128;
 constexpr std::size_t kSummedAtOnce = 4096;
+// A block with room for fewer is taken as full.
+constexpr std::size_t kFewestAtOnce = 64;
 
 template <class Cell>
 void Widen(const void* cells, std::size_t first, std::size_t count, Cell systemMissing, double* values) {
@@ -40,8 +43,7 @@ void ReadNumbers(const ColumnView& column, std::size_t first, std::size_t count,
       Widen(column.cells, first, count, kInt32SystemMissing, values);
       break;
     case ColumnStorage::Float64:
-      // Adding zero makes -0.0 the same value as 0.0.
-      for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<const double*>(column.cells)[first + i] + 0.0;
+      std::copy_n(static_cast<const double*>(column.cells) + first, count, values);
       break;
     case ColumnStorage::StringCode:
       std::fill_n(values, count, kSystemMissingValue);
@@ -87,14 +89,19 @@ bool ScaleCounter::Asks(StatisticCodes code) const {
 
 void ScaleCounter::CountRows(const Chunk& chunk, std::size_t first, std::size_t count) {
   if (fIndex < 0) {
-    const std::vector<std::uint32_t> slots(count, kSystemMissingSlot);
-    fSums.Add(slots.data(), count, chunk.weights, first);
+    fSums.AddRows(kSystemMissingSlot, count, chunk.weights, first);
     return;
   }
   const ColumnView column = chunk.Column(fIndex);
   // Whole numbers of 16 bits are always few enough to be counted.
   const bool isShort = column.storage == ColumnStorage::Int8 || column.storage == ColumnStorage::Int16;
   const bool wantsValues = fWantsMoments || fWantsPercentiles;
+  CellSums sums;
+  if (isShort && wantsValues && SumByCell(column, chunk.weights, first, count, fSlots, sums)) {
+    if (fSlots.size() > fSums.slots()) fSums.Resize(fSlots.size());
+    fSums.Add(sums, chunk.weights);
+    return;
+  }
   const auto work = [&](std::size_t row, std::size_t rows) {
     if (fCountsValues || (isShort && wantsValues))
       CountSlots(column, chunk.weights, row, rows);
@@ -124,61 +131,69 @@ void ScaleCounter::CountSlots(const ColumnView& column, const ChunkWeights& weig
 
 void ScaleCounter::TakeValues(const ColumnView& column, const ChunkWeights& weights, std::size_t row,
                               std::size_t rows) {
-  std::array<double, kBlockRows> values;
-  ReadNumbers(column, row, rows, values.data());
-  if (!fMissing.empty()) MakeMissing(fMissing, values.data(), rows);
+  std::array<double, kBlockRows> buffer;
+  const double* values = buffer.data();
+  if (column.storage == ColumnStorage::Float64 && fMissing.empty()) {
+    values = static_cast<const double*>(column.cells) + row;
+  } else {
+    ReadNumbers(column, row, rows, buffer.data());
+    MakeMissing(fMissing, buffer.data(), rows);
+  }
 
-  // The valid values come to the front; each is written and the end moves or not, without a branch to mispredict.
-  std::size_t valid = 0;
-  if (weights.exact == nullptr) {
-    for (std::size_t i = 0; i < rows; ++i) {
-      const double value = values[i];
-      values[valid] = value;
-      valid += value == value ? 1 : 0;
-    }
-    fSums.AddUnits(kOtherValidSlot, valid);
-    fSums.AddUnits(kSystemMissingSlot, rows - valid);
-    KeepValues(values.data(), nullptr, valid, weights);
+  if (!fWantsMoments && !fWantsPercentiles) {
+    std::array<std::uint32_t, kBlockRows> slots;
+    for (std::size_t i = 0; i < rows; ++i) slots[i] = std::isnan(values[i]) ? kSystemMissingSlot : kOtherValidSlot;
+    fSums.Add(slots.data(), rows, weights, row);
     return;
   }
-  std::array<double, kBlockRows> itsWeights;
-  std::array<double, kBlockRows> otherWeights;
-  std::size_t others = 0;
-  for (std::size_t i = 0; i < rows; ++i) {
-    const double value = values[i];
-    const double weight = weights.exact[row + i];
-    const bool counts = (value == value) & (weight > 0.0);
-    values[valid] = value;
-    itsWeights[valid] = weight;
-    otherWeights[others] = weight;
-    valid += counts ? 1 : 0;
-    others += counts ? 0 : 1;
-  }
-  fSums.AddAll(kOtherValidSlot, itsWeights.data(), valid, weights);
-  fSums.AddAll(kSystemMissingSlot, otherWeights.data(), others, weights);
-  KeepValues(values.data(), itsWeights.data(), valid, weights);
+
+  for (std::size_t done = 0; done < rows;) done += TakeIntoBlock(values + done, rows - done, weights, row + done);
 }
 
-void ScaleCounter::KeepValues(const double* values, const double* itsWeights, std::size_t count,
-                              const ChunkWeights& weights) {
-  if (!fWantsMoments && !fWantsPercentiles) return;
-  while (count > 0) {
-    const std::size_t taken = fValues.Add(values, itsWeights, count);
-    if (taken == 0) {
-      SumPending();
-      fValues.OpenNext(fWantsPercentiles, itsWeights != nullptr);
-      fSummed = 0;
-      continue;
-    }
-    if (weights.form == ChunkWeights::Form::Narrow)
-      fPendingShift = std::max(fPendingShift, weights.shift);
-    else if (weights.form != ChunkWeights::Form::Units)
-      fPendingIsNarrow = false;
-    values += taken;
-    if (itsWeights != nullptr) itsWeights += taken;
-    count -= taken;
+std::size_t ScaleCounter::TakeIntoBlock(const double* values, std::size_t count, const ChunkWeights& weights,
+                                        std::size_t row) {
+  const bool weighted = weights.exact != nullptr;
+  KeptValues::Place place = fValues.next(weighted);
+  if (place.room < std::min(count, kFewestAtOnce)) {
+    SumPending();
+    fValues.OpenNext(fWantsPercentiles, weighted);
+    fSummed = 0;
+    place = fValues.next(weighted);
   }
+  count = std::min(count, place.room);
+  // Each value is written and the end moves or not, without a branch to mispredict. Adding zero makes -0.0 the same
+  // value as 0.0.
+  std::size_t valid = 0;
+  if (!weighted) {
+    for (std::size_t i = 0; i < count; ++i) {
+      place.values[valid] = values[i] + 0.0;
+      valid += values[i] == values[i] ? 1 : 0;
+    }
+    if (place.weights != nullptr) std::fill_n(place.weights, valid, 1.0);
+    fSums.AddUnits(kOtherValidSlot, valid);
+    fSums.AddUnits(kSystemMissingSlot, count - valid);
+  } else {
+    std::array<double, kBlockRows> otherWeights;
+    std::size_t others = 0;
+    const double* const itsWeights = weights.exact + row;
+    for (std::size_t i = 0; i < count; ++i) {
+      const double weight = itsWeights[i];
+      const bool counts = (values[i] == values[i]) & (weight > 0.0);
+      place.values[valid] = values[i] + 0.0;
+      place.weights[valid] = weight;
+      otherWeights[others] = weight;
+      valid += counts ? 1 : 0;
+      others += counts ? 0 : 1;
+    }
+    fSums.AddRowsBut(kOtherValidSlot, count, kSystemMissingSlot, otherWeights.data(), others, weights, row);
+  }
+  if (weights.form == ChunkWeights::Form::Narrow)
+    fPendingShift = std::max(fPendingShift, weights.shift);
+  else if (weighted)
+    fPendingIsNarrow = false;
+  fValues.Written(valid, weights.above);
   if (fValues.open().count - fSummed >= kSummedAtOnce) SumPending();
+  return count;
 }
 
 void ScaleCounter::SumPending() {

@@ -40,8 +40,9 @@ class ScaleCounter {
   bool Asks(TableEncryptionCodes::StatisticCodes code) const;
   void CountSlots(const ColumnView& column, const ChunkWeights& weights, std::size_t row, std::size_t rows);
   void TakeValues(const ColumnView& column, const ChunkWeights& weights, std::size_t row, std::size_t rows);
-  /// `itsWeights` null: every weight is 1.
-  void KeepValues(const double* values, const double* itsWeights, std::size_t count, const ChunkWeights& weights);
+  /// Takes as many of the values (NaN: missing) as the open block has room for; gives their number. `row`: of the
+  /// first.
+  std::size_t TakeIntoBlock(const double* values, std::size_t count, const ChunkWeights& weights, std::size_t row);
   void SumPending();
   void AddCountedMoments(const std::vector<std::pair<double, WeightTotal>>& counted);
 

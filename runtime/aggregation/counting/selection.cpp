@@ -56,7 +56,7 @@ class UnitArithmetic {
       : fShift(shift),
         fScale(std::ldexp(1.0, shift)),
         fHasWeights(values.kept != nullptr && values.kept->hasWeights()),
-        fIsNarrow(fHasWeights && values.kept->heaviest() < std::ldexp(1.0, 63 - shift)) {}
+        fIsNarrow(fHasWeights && values.kept->aboveWeights() <= std::ldexp(1.0, 63 - shift)) {}
 
   bool hasWeights() const { return fHasWeights; }
   /// Whether every weight is below 2^63 units.
@@ -353,9 +353,17 @@ bool Selector<Arithmetic>::TakeOut(const Map& map, const Range& range, const Tak
     takesOut = false;
     for (Wanted& other : wanted) other.values = {};
   };
-  ForEachValue(range, taken, [&](double value, double weight) {
-    const std::uint16_t number = numbers[map(value)];
-    if (number != 0) take(roles[number], value, weight);
+  ForEachBlock(taken, [&](const Block& block) {
+    const auto look = [&](std::size_t i) {
+      const std::uint16_t number = numbers[map(block.values[i])];
+      if (number != 0) take(roles[number], block.values[i], block.weights == nullptr ? 1.0 : block.weights[i]);
+    };
+    if (range.isPart) {
+      for (std::size_t i = 0; i < block.count; ++i)
+        if (block.values[i] >= range.low && block.values[i] <= range.high) look(i);
+    } else {
+      for (std::size_t i = 0; i < block.count; ++i) look(i);
+    }
   });
 
   for (Wanted& bucket : wanted) {

@@ -23,12 +23,17 @@ class WeightSums {
   void Add(const std::uint32_t* slots, std::size_t count, const ChunkWeights& weights, std::size_t row);
   /// The same for one row.
   void AddRow(std::uint32_t slot, const ChunkWeights& weights, std::size_t row);
-  /// Adds weights of rows of a chunk, which are given as they are, to one slot. REQUIRES: `form` is that of the chunk,
-  /// and not Units.
-  void AddAll(std::uint32_t slot, const double* exact, std::size_t count, const ChunkWeights& form);
-  /// Adds the weights of those of the rows row, row + 1, ... whose hit is 1 and not 0.
-  void AddHits(std::uint32_t slot, const std::uint8_t* hits, std::size_t count, const ChunkWeights& weights,
-               std::size_t row);
+  /// Adds the weights of the rows row, row + 1, ... to `slot`, except for some of them, whose weights the list gives:
+  /// these go to `other`.
+  void AddRowsBut(std::uint32_t slot, std::size_t count, std::uint32_t other, const double* others,
+                  std::size_t otherCount, const ChunkWeights& weights, std::size_t row);
+  /// Adds to each slot of the list, kMostTogether at most, the weights of those of the rows row, row + 1, ... whose hit
+  /// is 1 and not 0. As many slots at once as possible cost least.
+  void AddHits(const std::uint32_t* slots, const std::uint8_t* const* hits, std::size_t slotCount, std::size_t count,
+               const ChunkWeights& weights, std::size_t row);
+  static constexpr std::size_t kMostTogether = 8;
+  /// Adds the weights of all rows row, row + 1, ...
+  void AddRows(std::uint32_t slot, std::size_t count, const ChunkWeights& weights, std::size_t row);
   /// Adds sums over rows of a chunk with weights of this form. REQUIRES: the slots are below slots().
   void Add(const CellSums& sums, const ChunkWeights& form);
   /// Adds `cases` cases of weight 1.

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/unit/aggregation/support/keep.h"
+
 namespace runtime::aggregation {
 namespace {
 
@@ -29,15 +31,6 @@ Read ReadAll(const KeptValues& kept) {
   return read;
 }
 
-void Keep(KeptValues& kept, const std::vector<double>& values, const std::vector<double>& weights) {
-  for (std::size_t done = 0; done < values.size();) {
-    const double* itsWeights = weights.empty() ? nullptr : weights.data() + done;
-    const std::size_t added = kept.Add(values.data() + done, itsWeights, values.size() - done);
-    if (added == 0) kept.OpenNext(true, itsWeights != nullptr);
-    done += added;
-  }
-}
-
 std::vector<double> Numbers(std::size_t count, double first) {
   std::vector<double> numbers(count);
   for (double& number : numbers) number = first++;
@@ -51,7 +44,7 @@ TEST(KeptValues, comeBackInTheirOrderFromMemoryAndFile) {
     KeptValues second(memory);
     const std::vector<double> numbers = Numbers(40000, 1.0);
     const std::vector<double> weights = Numbers(40000, 0.5);
-    Keep(first, numbers, {});
+    Keep(first, numbers);
     Keep(second, numbers, weights);
     EXPECT_EQ(ReadAll(first).values, numbers);
     EXPECT_EQ(ReadAll(second).values, numbers);
@@ -60,16 +53,16 @@ TEST(KeptValues, comeBackInTheirOrderFromMemoryAndFile) {
     EXPECT_EQ(second.count(), 40000u);
     EXPECT_EQ(second.lowest(), 1.0);
     EXPECT_EQ(second.highest(), 40000.0);
-    EXPECT_EQ(second.heaviest(), 39999.5);
+    EXPECT_EQ(second.aboveWeights(), 40000.0);
   }
 }
 
 TEST(KeptValues, withoutAWeightBetweenThoseWithOneHaveTheWeightOne) {
   for (const std::int64_t limit : {std::int64_t{0}, std::int64_t{1}}) {
     KeptValues kept(std::make_shared<ValueMemory>(limit));
-    Keep(kept, Numbers(100, 0), {});
+    Keep(kept, Numbers(100, 0));
     Keep(kept, Numbers(1000, 100), Numbers(1000, 7));
-    Keep(kept, Numbers(300, 1100), {});
+    Keep(kept, Numbers(300, 1100));
     const Read read = ReadAll(kept);
     EXPECT_EQ(read.values, Numbers(1400, 0));
     std::vector<double> weights(1400, 1.0);
@@ -83,7 +76,7 @@ TEST(KeptValues, stayWithinTheirRoom) {
   const auto memory = std::make_shared<ValueMemory>(100000);
   {
     KeptValues kept(memory);
-    Keep(kept, Numbers(100000, 0), {});
+    Keep(kept, Numbers(100000, 0));
     EXPECT_GT(memory->file().size(), 600000u);
     EXPECT_FALSE(memory->Take(100000));
   }
@@ -94,10 +87,10 @@ TEST(KeptValues, stayWithinTheirRoom) {
 TEST(KeptValues, ofABlockThatIsNotKeptAreGone) {
   KeptValues kept;
   const std::vector<double> numbers = Numbers(5000, 0);
-  for (std::size_t done = 0; done < numbers.size();) {
-    const std::size_t added = kept.Add(numbers.data() + done, nullptr, numbers.size() - done);
-    if (added == 0) kept.OpenNext(false, false);
-    done += added;
+  for (std::size_t done = 0; done < numbers.size(); ++done) {
+    if (kept.next(false).room == 0) kept.OpenNext(false, false);
+    *kept.next(false).values = numbers[done];
+    kept.Written(1, 0.0);
   }
   EXPECT_EQ(kept.count(), kept.open().count);
   EXPECT_EQ(kept.open().values[kept.open().count - 1], 4999.0);

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/unit/aggregation/support/keep.h"
+
 namespace runtime::aggregation {
 namespace {
 
@@ -24,26 +26,16 @@ WeightTotal Fractional(double weight) {
   return total;
 }
 
-/// `weights` null: every weight is 1.
-void Keep(KeptValues& kept, const std::vector<double>& numbers, const double* weights) {
-  for (std::size_t done = 0; done < numbers.size();) {
-    const std::size_t added =
-        kept.Add(numbers.data() + done, weights == nullptr ? nullptr : weights + done, numbers.size() - done);
-    if (added == 0) kept.OpenNext(true, weights != nullptr);
-    done += added;
-  }
-}
-
 std::vector<double> Unweighted(const std::vector<double>& numbers, const std::vector<double>& cutPoints) {
   KeptValues kept;
-  Keep(kept, numbers, nullptr);
+  Keep(kept, numbers);
   return Percentiles({{}, &kept}, Units(numbers.size()), cutPoints);
 }
 
 std::vector<double> Weighted(const std::vector<double>& numbers, const std::vector<double>& weights,
                              const std::vector<double>& cutPoints) {
   KeptValues kept;
-  Keep(kept, numbers, weights.data());
+  Keep(kept, numbers, weights);
   double sum = 0.0;
   for (const double weight : weights) sum += weight;
   return Percentiles({{}, &kept}, Fractional(sum), cutPoints);
@@ -135,7 +127,7 @@ TEST(Percentiles, countedAndPlainValuesMix) {
     }
     std::vector<double> plain(random() % 400);
     for (double& number : plain) number = static_cast<double>(random() % 160) / 4.0;
-    Keep(kept, plain, nullptr);
+    Keep(kept, plain);
     all.insert(all.end(), plain.begin(), plain.end());
     const std::vector<double> cutPoints{25, 50, 75};
     ASSERT_EQ(Percentiles(mixed, Units(all.size()), cutPoints), Unweighted(all, cutPoints));

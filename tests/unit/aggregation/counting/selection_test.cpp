@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "runtime/aggregation/counting/percentiles.h"
+#include "tests/unit/aggregation/support/keep.h"
 
 namespace runtime::aggregation {
 namespace {
@@ -24,16 +25,6 @@ struct Values {
   std::vector<double> numbers;
   std::vector<double> weights;  // empty: every weight is 1
 };
-
-void Keep(KeptValues& kept, const Values& values) {
-  const std::size_t count = values.numbers.size();
-  for (std::size_t done = 0; done < count;) {
-    const double* weights = values.weights.empty() ? nullptr : values.weights.data() + done;
-    const std::size_t added = kept.Add(values.numbers.data() + done, weights, count - done);
-    if (added == 0) kept.OpenNext(true, weights != nullptr);
-    done += added;
-  }
-}
 
 struct Around {
   bool hasLower;
@@ -77,7 +68,7 @@ void ExpectAsSorted(const Values& values, int shift) {
   const WeightTotal total = TotalOf(values, shift);
   for (const std::int64_t limit : {std::int64_t{0}, std::int64_t{1}, std::int64_t{20000}}) {
     KeptValues kept(std::make_shared<ValueMemory>(limit));
-    Keep(kept, values);
+    Keep(kept, values.numbers, values.weights);
     const WeightedValues all{{}, &kept};
     std::vector<Dyadic> hundredfolds;
     for (const double cutPoint : {0.01, 25.0, 50.0, 50.001, 75.0, 99.0}) {
@@ -174,7 +165,7 @@ TEST(Selection, goesOnOverAllValuesWhereTooManyLieInOneBucket) {
   numbers[77] = 1e200;
   for (const std::int64_t limit : {std::int64_t{0}, std::int64_t{1'000'000}}) {
     KeptValues kept(std::make_shared<ValueMemory>(limit));
-    Keep(kept, {numbers, {}});
+    Keep(kept, numbers);
     WeightTotal total;
     total.units = numbers.size();
     const std::vector<double> found = Percentiles({{}, &kept}, total, {25, 50, 75});
