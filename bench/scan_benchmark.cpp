@@ -109,8 +109,9 @@ void CountCells(benchmark::State& state, const Text& text) {
   state.counters["time/cell"] = benchmark::Counter(cells, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-void mark(benchmark::State& state) {
-  const Text text = MakeText(Kind::Survey, 500);
+/// A window without quotes is listed too.
+void mark(benchmark::State& state, Kind kind) {
+  const Text text = MakeText(kind, 20);
   const StructureMarker marker(text.bytes, CsvDialect{}, ScanLimits{}.windowWords);
   StructureMarks marks;
   for (auto _ : state) {
@@ -157,7 +158,8 @@ void cutByteByByte(benchmark::State& state, Kind kind, std::size_t columns) {
   CountCells(state, text);
 }
 
-BENCHMARK(mark);
+BENCHMARK_CAPTURE(mark, quotedTexts, Kind::QuotedTexts);
+BENCHMARK_CAPTURE(mark, survey, Kind::Survey);
 BENCHMARK_CAPTURE(checkUtf8, survey, Kind::Survey);
 BENCHMARK_CAPTURE(checkUtf8, accented, Kind::Accented);
 BENCHMARK_CAPTURE(cut, codes_500, Kind::Codes, 500);

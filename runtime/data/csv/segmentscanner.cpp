@@ -14,6 +14,20 @@ namespace {
 
 constexpr std::size_t kBitsOfWord = StructureMarks::kBytesOfWord;
 
+/// The first CR or LF at or behind `at`, or the end of the text.
+std::size_t FindLineEnd(std::string_view text, std::size_t at) {
+  // By stretches, so that no search goes far beyond where the other one finds something.
+  constexpr std::size_t kStretch = 4096;
+  for (; at < text.size(); at += kStretch) {
+    std::string_view stretch = text.substr(at, kStretch);
+    stretch = stretch.substr(0, stretch.find('\n'));
+    const std::size_t carriageReturn = stretch.find('\r');
+    if (carriageReturn != std::string_view::npos) return at + carriageReturn;
+    if (at + stretch.size() < std::min(at + kStretch, text.size())) return at + stretch.size();
+  }
+  return text.size();
+}
+
 /// Makes cells of plain text: the first begins at `begin`, each ends at the next of `ends`, and the following one
 /// begins behind it. All are counted from `place`, modulo 2^32.
 void WriteCells(std::uint32_t place, std::uint32_t begin, const std::uint32_t* ends, std::size_t count, Cell* cells) {
@@ -77,9 +91,10 @@ std::size_t StrideOf(std::size_t columns) {
 }  // namespace
 
 std::size_t GuessRecordBegin(std::string_view text, std::size_t at) {
-  while (at < text.size() && text[at] != '\n' && text[at] != '\r') ++at;
-  if (at >= text.size()) return text.size();
-  return text[at] == '\r' && at + 1 < text.size() && text[at + 1] == '\n' ? at + 2 : at + 1;
+  const std::size_t lineEnd = FindLineEnd(text, at);
+  if (lineEnd == text.size()) return lineEnd;
+  const bool isTwo = text[lineEnd] == '\r' && lineEnd + 1 < text.size() && text[lineEnd + 1] == '\n';
+  return lineEnd + (isTwo ? 2 : 1);
 }
 
 std::size_t RowsOfCellBlock(std::size_t columns) {

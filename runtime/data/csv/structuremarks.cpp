@@ -7,8 +7,8 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "runtime/data/csv/structuremarks.cpp"
-#include "hwy/foreach_target.h"
-#include "hwy/highway.h"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
 #ifndef RUNTIME_DATA_CSV_STRUCTUREMARKS_ONCE
 #define RUNTIME_DATA_CSV_STRUCTUREMARKS_ONCE

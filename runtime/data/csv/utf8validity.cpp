@@ -13,8 +13,8 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "runtime/data/csv/utf8validity.cpp"
-#include "hwy/foreach_target.h"
-#include "hwy/highway.h"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
 namespace runtime::data {

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "hwy/highway.h"
+#include <hwy/highway.h>
 
 namespace runtime::data {
 

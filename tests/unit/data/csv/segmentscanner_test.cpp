@@ -324,6 +324,16 @@ TEST(RecordBegin, isGuessedBehindTheNextLineEnd) {
   EXPECT_THAT(guesses, ElementsAre(3, 3, 3, 7, 7, 7, 7, 10, 10, 10, 12, 12, 12));
 }
 
+TEST(RecordBegin, isFoundHoweverFarItIs) {
+  for (const std::size_t before : {4094U, 4095U, 4096U, 4097U, 10'000U}) {
+    const std::string text(before, 'x');
+    EXPECT_EQ(GuessRecordBegin(text, 0), before);
+    EXPECT_EQ(GuessRecordBegin(text + "\n", 1), before + 1);
+    EXPECT_EQ(GuessRecordBegin(text + "\r\n", 2), before + 2);
+    EXPECT_EQ(GuessRecordBegin(text + "\ra\n", 3), before + 1);
+  }
+}
+
 TEST(Segment, endsWithTheRecordThatBeginsInIt) {
   const PaddedText padded("1,2\n3,\"4\n5\"\n6,7\n");
   SegmentScanner scanner(padded.text(), {}, 2);
