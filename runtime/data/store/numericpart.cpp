@@ -107,6 +107,18 @@ void NumericPart::Include(double low, double high) {
   fSummary.hasValues = true;
 }
 
+void NumericPart::IncludeBytes() {
+  const auto* const bytes = reinterpret_cast<const std::int8_t*>(fCells.get());
+  std::int8_t low = INT8_MAX;
+  std::int8_t high = INT8_MIN;
+  for (std::size_t i = 0; i < fRows; ++i) {
+    high = std::max(high, bytes[i]);
+    // The missing ones, the lowest number of all, become the highest one.
+    low = std::min(low, bytes[i] == kInt8SystemMissing ? std::int8_t{INT8_MAX} : bytes[i]);
+  }
+  if (high != kInt8SystemMissing) Include(low, high);
+}
+
 void NumericPart::Reallocate(ColumnStorage storage, std::size_t rows) {
   const std::size_t bytes = std::max(rows * BytesPerCell(storage), kFirstCapacity);
   auto cells = std::make_unique_for_overwrite<std::byte[]>(bytes);
@@ -131,6 +143,7 @@ void NumericPart::PrepareFor(ColumnStorage storage, std::size_t count) {
   const bool widens = BytesPerCell(storage) > BytesPerCell(fStorage);
   const ColumnStorage needed = widens ? storage : fStorage;
   const std::size_t rows = fRows + count;
+  if (widens && fStorage == ColumnStorage::Int8) IncludeBytes();
   if (widens && fRows == 0 && rows * BytesPerCell(needed) <= fCapacity) {
     fStorage = needed;
     return;
@@ -149,6 +162,22 @@ void NumericPart::Store(const double* values, std::size_t count) {
   fRows += count;
 }
 
+void NumericPart::AppendBytes(const std::int8_t* values, std::size_t count) {
+  if (count == 0) return;
+  if (fStorage == ColumnStorage::Int8) {
+    PrepareFor(fStorage, count);
+    std::memcpy(fCells.get() + fRows, values, count);
+    fRows += count;
+    return;
+  }
+  std::int32_t integers[kBatch];
+  for (std::size_t first = 0; first < count; first += kBatch) {
+    const std::size_t taken = std::min(kBatch, count - first);
+    LoadIntegers<std::int8_t>(reinterpret_cast<const std::byte*>(values + first), integers, taken);
+    AppendIntegers(integers, taken);
+  }
+}
+
 void NumericPart::AppendIntegers(const std::int32_t* values, std::size_t count) {
   if (count == 0) return;
   std::int32_t low = std::numeric_limits<std::int32_t>::max();
@@ -162,7 +191,7 @@ void NumericPart::AppendIntegers(const std::int32_t* values, std::size_t count) 
   }
   const bool hasValues = high != kNoInteger;
   PrepareFor(hasValues ? StorageFor(low, high) : ColumnStorage::Int8, count);
-  if (hasValues) Include(low, high);
+  if (hasValues && fStorage != ColumnStorage::Int8) Include(low, high);
   Store(values, count);
 }
 
@@ -192,25 +221,21 @@ void NumericPart::AppendBatch(const double* values, std::size_t count) {
     low = values[i] < low ? values[i] : low;
     high = values[i] > high ? values[i] : high;
   }
+  PrepareFor(ColumnStorage::Float64, count);
   if (low <= high) Include(low, high);
   if (mayBeWhole)
     fSummary.allIntegers = fSummary.allIntegers && std::all_of(values, values + count, [](double v) {
                              return std::isnan(v) || std::trunc(v) == v;
                            });
-  PrepareFor(ColumnStorage::Float64, count);
   Store(values, count);
 }
 
 void NumericPart::AddFactsTo(ValueFacts& facts) const {
-  facts.Include(fSummary);
-  if (!facts.fewIntegers()) return;
   if (fStorage == ColumnStorage::Int8) {
-    bool seen[256] = {};
-    for (std::size_t i = 0; i < fRows; ++i) seen[std::to_integer<std::uint8_t>(fCells[i])] = true;
-    for (int value = INT8_MIN + 1; value <= INT8_MAX; ++value)
-      if (seen[static_cast<std::uint8_t>(value)]) facts.Remember(value);
+    AddFactsOfBytes(facts);
     return;
   }
+  facts.Include(fSummary);
   double batch[kBatch];
   std::int32_t integers[kBatch];
   for (std::size_t row = 0; row < fRows && facts.fewIntegers(); row += kBatch) {
@@ -224,6 +249,17 @@ void NumericPart::AddFactsTo(ValueFacts& facts) const {
     }
     for (std::size_t i = 0; i < count; ++i)
       if (!std::isnan(batch[i])) facts.Remember(batch[i]);
+  }
+}
+
+void NumericPart::AddFactsOfBytes(ValueFacts& facts) const {
+  bool seen[256] = {};
+  for (std::size_t i = 0; i < fRows; ++i) seen[std::to_integer<std::uint8_t>(fCells[i])] = true;
+  for (int value = INT8_MIN + 1; value <= INT8_MAX; ++value) {
+    if (!seen[static_cast<std::uint8_t>(value)]) continue;
+    const auto number = static_cast<double>(value);
+    facts.Include({true, true, number, number});
+    facts.Remember(number);
   }
 }
 

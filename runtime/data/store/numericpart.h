@@ -21,7 +21,10 @@ class NumericPart {
  public:
   static constexpr std::int32_t kNoInteger = std::numeric_limits<std::int32_t>::min();
 
-  /// A few dozen to a few thousand values at once.
+  // A few dozen to a few thousand values at once.
+
+  /// System-missing is kInt8SystemMissing.
+  void AppendBytes(const std::int8_t* values, std::size_t count);
   void AppendIntegers(const std::int32_t* values, std::size_t count);
   void AppendDoubles(const double* values, std::size_t count);
 
@@ -43,12 +46,15 @@ class NumericPart {
   void PrepareFor(ColumnStorage storage, std::size_t count);
   void Reallocate(ColumnStorage storage, std::size_t rows);
   void Include(double low, double high);
+  /// Takes the bytes that are stored into the summary.
+  void IncludeBytes();
+  void AddFactsOfBytes(ValueFacts& facts) const;
 
   std::size_t fRows = 0;
   ColumnStorage fStorage = ColumnStorage::Int8;
   std::unique_ptr<std::byte[]> fCells;
   std::size_t fCapacity = 0;  // bytes
-  ValueSummary fSummary;      // of all values
+  ValueSummary fSummary;      // of all values, unless the storage is Int8
 };
 
 }  // namespace runtime::data

@@ -24,17 +24,30 @@ class ArenaStringTable : public StringTable {
 
   /// The code of a text, which is entered when it is new. Trailing blanks are no part of a text.
   std::uint32_t Enter(std::string_view text);
+  /// The same for several texts at once, which is faster. Each may be changed: trailing blanks go.
+  void Enter(std::string_view* texts, std::size_t count, std::uint32_t* codes);
   /// Begins anew; memory is kept.
   void Clear();
   /// Bytes of the longest text, 0 when there is none.
   std::size_t longestText() const { return fLongestText; }
 
  private:
+  /// What stands for a text: its characters when there are at most eight of them, else a hash.
+  struct Key {
+    std::uint64_t word = 0;
+    std::uint32_t size = 0;  // of the text, at most UINT32_MAX
+
+    bool operator==(const Key& other) const { return word == other.word && size == other.size; }
+  };
   struct Slot {
-    std::uint32_t hash = 0;
+    Key key;
     std::uint32_t code = kFree;
   };
   static constexpr std::uint32_t kFree = UINT32_MAX;
+
+  static Key KeyOf(std::string_view text);
+  static std::size_t HashOf(const Key& key);
+  std::uint32_t Find(std::string_view text, const Key& key);
 
   std::string_view Store(std::string_view text);
   void Grow();

@@ -2,6 +2,11 @@
 
 namespace runtime::data {
 
+void TextPart::Append(std::string_view* texts, std::size_t count) {
+  fCodes.resize(fCodes.size() + count);
+  fTexts.Enter(texts, count, fCodes.data() + fCodes.size() - count);
+}
+
 void TextPart::JoinTo(ArenaStringTable& table, std::uint32_t* cells) const {
   bool isSame = true;
   std::vector<std::uint32_t> codeInTable(fTexts.Size());

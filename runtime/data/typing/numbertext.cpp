@@ -6,6 +6,8 @@
 #include <limits>
 #include <system_error>
 
+#include "runtime/data/typing/shortnumber.h"
+
 namespace runtime::data {
 
 namespace {
@@ -16,6 +18,7 @@ constexpr int kMostExponent = 100'000;  // beyond it every digit string is infin
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int kMostExactPower = 22;
+constexpr int kMostExtendedPower = 27;
 constexpr int kDigitsOfUint64 = 19;
 
 /// Whether a number with that text is at least 1. `text` is known to be a number.
@@ -98,12 +101,19 @@ bool ReadNumberText(std::string_view text, NumberReading& reading, NumberShape& 
     reading.value = negative ? -magnitude : magnitude;
     return true;
   }
-  reading.value = RoundedByLibrary(text, exponent);
+  double magnitude = 0.0;
+  const bool divides = mantissaHolds && mantissa > 0 && power <= 0 && power >= -kMostExtendedPower;
+  if (divides && DivideInExtendedPrecision(mantissa, -power, magnitude)) {
+    reading.value = negative ? -magnitude : magnitude;
+    if (shape.hasPoint || shape.hasExponent) return true;
+  } else {
+    reading.value = RoundedByLibrary(text, exponent);
+  }
   if (!reading.isExact && !shape.hasPoint && !shape.hasExponent) {
     // More digits than 2^53 has: the number may still be a double, such as 2^60.
     std::uint64_t number = 0;
     const auto parsed = std::from_chars(firstDigit, end, number);
-    const double magnitude = negative ? -reading.value : reading.value;
+    magnitude = negative ? -reading.value : reading.value;
     reading.isExact = parsed.ec == std::errc() && magnitude < 18446744073709551616.0 &&
                       static_cast<std::uint64_t>(magnitude) == number;
   }

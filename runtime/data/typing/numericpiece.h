@@ -47,33 +47,28 @@ class NumericPiece : public ColumnPiece {
   /// Common form: up to 8 characters of a whole number.
   template <class ReadInFull>
   bool AppendWholeNumbers(const CellBlock& block, std::size_t column, BlankCells blanks, ReadInFull readInFull) {
+    std::size_t row = blanks == BlankCells::Missing ? AppendCodes(block, column) : 0;
     std::int32_t batch[kBatch];
     std::size_t filled = 0;
-    const Cell* cell = block.cells + column;
-    const std::uint32_t fewest = blanks == BlankCells::Missing ? 0 : 1;
     std::int64_t blankCells = 0;
-    for (std::size_t row = 0; row < block.rows; ++row, cell += block.stride) {
-      if (cell->size - fewest <= 8 - fewest) {
-        if (cell->size == 0) {
-          batch[filled++] = NumericPart::kNoInteger;
-          ++blankCells;
-        } else if (ReadShortInteger(block.text + cell->begin, cell->size, batch[filled])) {
-          ++filled;
-        } else {
-          AppendOther(batch, filled, readInFull(block.Text(*cell), row));
-        }
+    for (const Cell* cell = block.cells + row * block.stride + column; row < block.rows; ++row, cell += block.stride) {
+      if (cell->size - 1 < 8 && ReadShortInteger(block.text + cell->begin, cell->size, batch[filled])) {
+        ++filled;
+      } else if (cell->size == 0 && blanks == BlankCells::Missing) {
+        batch[filled++] = NumericPart::kNoInteger;
+        ++blankCells;
       } else {
         AppendOther(batch, filled, readInFull(block.Text(*cell), row));
+        if (fGaveUp) return false;
       }
       if (filled == kBatch) Flush(batch, filled);
-      if (fGaveUp) return false;
     }
     Flush(batch, filled);
     fFacts.blankCells += blankCells;
     return true;
   }
 
-  /// Common form: up to 16 characters of digits with a decimal point or without.
+  /// Common form: up to 16 digits, or a decimal point with digits before and behind it.
   template <class ReadInFull>
   bool AppendNumbers(const CellBlock& block, std::size_t column, BlankCells blanks, ReadInFull readInFull) {
     double batch[kBatch];
@@ -82,12 +77,12 @@ class NumericPiece : public ColumnPiece {
     ShortNumber number;
     int decimals = fFacts.decimals;
     for (std::size_t row = 0; row < block.rows; ++row, cell += block.stride) {
-      if (cell->size == 0 && blanks == BlankCells::Missing) {
-        batch[filled++] = std::numeric_limits<double>::quiet_NaN();
-        ++fFacts.blankCells;
-      } else if (cell->size - 1 < 16 && ReadShortNumber(block.text + cell->begin, cell->size, number)) {
+      if (cell->size - 1 < kMostOfShortNumber && ReadShortNumber(block.text + cell->begin, cell->size, number)) {
         batch[filled++] = number.value;
         decimals = std::max(decimals, number.decimals);
+      } else if (cell->size == 0 && blanks == BlankCells::Missing) {
+        batch[filled++] = std::numeric_limits<double>::quiet_NaN();
+        ++fFacts.blankCells;
       } else {
         batch[filled++] = readInFull(block.Text(*cell), row);
         if (fGaveUp) return false;
@@ -122,6 +117,30 @@ class NumericPiece : public ColumnPiece {
   bool fGaveUp = false;
 
  private:
+  /// Takes cells as long as they are codes or blank; their number.
+  std::size_t AppendCodes(const CellBlock& block, std::size_t column) {
+    const CodeTable& table = CodeTable::Get();
+    std::int8_t codes[kBatch];
+    const Cell* cell = block.cells + column;
+    std::size_t row = 0;
+    std::size_t filled = kBatch;
+    while (row < block.rows && filled == kBatch) {
+      const std::size_t most = std::min(kBatch, block.rows - row);
+      std::int64_t blankCells = 0;
+      for (filled = 0; filled < most; ++filled, cell += block.stride) {
+        if (cell->size > 2) break;
+        const std::int8_t code = table.Read(block.text + cell->begin, cell->size);
+        if (code == CodeTable::kNoCode) break;
+        codes[filled] = code;
+        blankCells += code == CodeTable::kBlank ? 1 : 0;
+      }
+      fValues.AppendBytes(codes, filled);
+      fFacts.blankCells += blankCells;
+      row += filled;
+    }
+    return row;
+  }
+
   void Flush(const std::int32_t* batch, std::size_t& filled) {
     fValues.AppendIntegers(batch, filled);
     filled = 0;

@@ -1,6 +1,7 @@
 // Numbers of a few characters, which nearly all cells are, read a word at a time instead of a character at a time.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -40,53 +41,112 @@ inline bool ReadShortInteger(const char* at, std::uint32_t size, std::int32_t& v
   return true;
 }
 
+/// Whole numbers of at most two characters, which the codes of surveys are, by these characters; blanks around a number
+/// do not matter.
+class CodeTable {
+ public:
+  static constexpr std::int8_t kNoCode = INT8_MAX;  // another text
+  static constexpr std::int8_t kBlank = INT8_MIN;   // no character but blanks
+
+  static const CodeTable& Get();
+
+  /// REQUIRES: size <= 2; two bytes can be read.
+  std::int8_t Read(const char* at, std::uint32_t size) const {
+    constexpr std::uint16_t kOfText[] = {0, 0x00FF, 0xFFFF};
+    constexpr std::uint16_t kBlanks[] = {0x2020, 0x2000, 0};
+    std::uint16_t characters;
+    std::memcpy(&characters, at, sizeof characters);
+    return fCodes[(characters & kOfText[size]) | kBlanks[size]];
+  }
+
+ private:
+  CodeTable();
+
+  std::array<std::int8_t, 65536> fCodes;
+};
+
+/// Up to 16 digits, the whole text. REQUIRES: 1 <= size <= 16, and 16 bytes can be read.
+inline bool ReadDigits(const char* at, std::uint32_t size, std::uint64_t& number) {
+  constexpr std::uint64_t kPowersOfTen[] = {1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
+  const std::uint64_t first = ReadWordAt(at) ^ ('0' * kEachByte);
+  if (size <= 8) {
+    const std::uint64_t digits = first << (64 - 8 * size);
+    number = JoinDigits(digits);
+    return AreDigits(digits);
+  }
+  const std::uint64_t second = (ReadWordAt(at + 8) ^ ('0' * kEachByte)) << (128 - 8 * size);
+  number = JoinDigits(first) * kPowersOfTen[size - 8] + JoinDigits(second);
+  return AreDigits(first) && AreDigits(second);
+}
+
+/// mantissa / 10^decimals where one division in extended precision settles the rounding: its result has 11 more bits
+/// than a double and is at most half a unit of the last of them away from the true quotient, so that both round to the
+/// same double unless the result lies right between two. False when it does, and where there is no such precision.
+/// REQUIRES: mantissa > 0, 0 <= decimals <= 27.
+bool DivideInExtendedPrecision(std::uint64_t mantissa, int decimals, double& quotient);
+
 struct ShortNumber {
   double value = 0.0;
   int decimals = 0;  // digits behind the decimal point
 };
 
-/// Reads an optional minus sign, digits (a zero at their front only when it is the only one), and, where there is a
-/// decimal point, further digits behind it. The value is correctly rounded. False for any other text, which may still
-/// be a number. REQUIRES: 1 <= size <= 16, and 17 bytes can be read.
+inline constexpr std::uint32_t kMostOfShortNumber = 24;  // characters
+
+/// Reads an optional minus sign, up to 7 digits with a decimal point and up to 16 digits behind it, or up to 16 digits
+/// without one; a zero stands at the front only when it is the only digit there. The value is correctly rounded. False
+/// for any other text, which may still be a number. REQUIRES: 1 <= size <= kMostOfShortNumber, and 32 bytes can be
+/// read.
 inline bool ReadShortNumber(const char* at, std::uint32_t size, ShortNumber& number) {
-  __extension__ using Word = unsigned __int128;
-  constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                     1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
   constexpr std::uint64_t kExactIntegers = std::uint64_t{1} << 53;
+  constexpr double kPowersOfTen[] = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
+                                     1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
+  constexpr std::uint64_t kWholePowersOfTen[] = {1,
+                                                 10,
+                                                 100,
+                                                 1'000,
+                                                 10'000,
+                                                 100'000,
+                                                 1'000'000,
+                                                 10'000'000,
+                                                 100'000'000,
+                                                 1'000'000'000,
+                                                 10'000'000'000,
+                                                 100'000'000'000,
+                                                 1'000'000'000'000,
+                                                 10'000'000'000'000,
+                                                 100'000'000'000'000,
+                                                 1'000'000'000'000'000,
+                                                 10'000'000'000'000'000};
+  constexpr std::uint32_t kMostDigits = 19;  // of any 64 bits
   const std::uint32_t negative = *at == '-' ? 1 : 0;
   const char* const first = at + negative;
-  std::uint32_t digits = size - negative;
-  if (digits == 0) return false;
-  const std::uint64_t low = ReadWordAt(first) ^ ('0' * kEachByte);
-  const std::uint64_t high = ReadWordAt(first + 8) ^ ('0' * kEachByte);
-  Word word = (Word{high} << 64) | low;
+  const std::uint32_t length = size - negative;
+  const std::uint64_t other = ReadWordAt(first) ^ ('.' * kEachByte);
+  // The lowest byte that is zero, a point, is marked rightly.
+  const std::uint64_t points = (other - kEachByte) & ~other & (0x80 * kEachByte);
+  const std::uint32_t point = static_cast<std::uint32_t>(std::countr_zero(points)) / 8;
 
-  // A byte of a point is zero here; the lowest zero byte is marked rightly.
-  const auto points = [](std::uint64_t half) {
-    const std::uint64_t other = half ^ (('.' ^ '0') * kEachByte);
-    return (other - kEachByte) & ~other & (0x80 * kEachByte);
-  };
-  std::uint32_t point = static_cast<std::uint32_t>(std::countr_zero(points(low))) / 8;
-  if (point == 8) point += static_cast<std::uint32_t>(std::countr_zero(points(high))) / 8;
+  std::uint64_t mantissa = 0;
+  std::uint32_t whole = length;
   number.decimals = 0;
-  if (point < digits) {
-    if (point == 0 || point + 1 == digits) return false;
-    --digits;
-    number.decimals = static_cast<int>(digits - point);
-    const Word beforePoint = (Word{1} << (8 * point)) - 1;
-    word = (word & beforePoint) | ((word >> 8) & ~beforePoint);
-    if (point > 1 && *first == '0') return false;
-  } else if (digits > 1 && *first == '0') {
+  if (point < length && point < 8) {
+    const std::uint32_t behind = length - point - 1;
+    if (point == 0 || behind - 1 >= 16 || point + behind > kMostDigits) return false;
+    std::uint64_t fraction = 0;
+    if (!ReadDigits(first, point, mantissa) || !ReadDigits(first + point + 1, behind, fraction)) return false;
+    mantissa = mantissa * kWholePowersOfTen[behind] + fraction;
+    number.decimals = static_cast<int>(behind);
+    whole = point;
+  } else if (length - 1 >= 16 || !ReadDigits(first, length, mantissa)) {
     return false;
   }
-  word <<= 128 - 8 * digits;
-  const auto leading = static_cast<std::uint64_t>(word);
-  const auto trailing = static_cast<std::uint64_t>(word >> 64);
-  if (!AreDigits(leading) || !AreDigits(trailing)) return false;
-  const std::uint64_t mantissa = JoinDigits(leading) * 100'000'000 + JoinDigits(trailing);
-  if (mantissa > kExactIntegers) return false;
+  if (whole > 1 && *first == '0') return false;
+  double magnitude = 0.0;
   // Both are doubles exactly, so that the division alone rounds.
-  const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[number.decimals];
+  if (mantissa <= kExactIntegers)
+    magnitude = static_cast<double>(mantissa) / kPowersOfTen[number.decimals];
+  else if (number.decimals == 0 || !DivideInExtendedPrecision(mantissa, number.decimals, magnitude))
+    return false;
   number.value = negative != 0 ? -magnitude : magnitude;
   return true;
 }

@@ -1,21 +1,24 @@
 #include "runtime/data/typing/textcolumn.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace runtime::data {
 
 namespace {
 
-bool IsBlank(std::string_view text) { return text.find_first_not_of(' ') == std::string_view::npos; }
-
 class TextPiece : public ColumnPiece {
  public:
   void Append(const CellBlock& block, std::size_t column) override {
+    constexpr std::size_t kBatch = 128;
+    std::string_view texts[kBatch];
     const Cell* cell = block.cells + column;
-    for (std::size_t row = 0; row < block.rows; ++row, cell += block.stride) {
-      const std::string_view text = block.Text(*cell);
-      if (text.empty() || (text.front() == ' ' && IsBlank(text))) ++fBlankCells;
-      fTexts.Append(text);
+    for (std::size_t row = 0; row < block.rows; row += kBatch) {
+      const std::size_t count = std::min(kBatch, block.rows - row);
+      for (std::size_t i = 0; i < count; ++i, cell += block.stride) texts[i] = block.Text(*cell);
+      fTexts.Append(texts, count);
+      // Trailing blanks are gone by now.
+      for (std::size_t i = 0; i < count; ++i) fBlankCells += texts[i].empty() ? 1 : 0;
     }
   }
 
