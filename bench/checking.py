@@ -65,8 +65,8 @@ class Checker:
     ) -> int:
         command = rival.command(shape, path, 1)
         kept = self.folder / f"{shape.name}-{path}-{rival.name}.json"
-        programs = [Path(word) for word in command[:3] if Path(str(word)).is_absolute()]
-        if not _younger(kept, [shape.data(path), *programs]):
+        files = [Path(word) for word in map(str, command) if Path(word).is_absolute()]
+        if not _younger(kept, files):
             self.tell(f"answers: {where}, {rival.label}")
             kept.write_bytes(_run([*command, "--answers"]))
         answer = json.loads(kept.read_text())

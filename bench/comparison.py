@@ -5,13 +5,16 @@ from dataclasses import dataclass, field
 from typing import Callable, Dict, List
 
 from bench import contenders
-from bench.measuring import Measured, in_turn
+from bench.measuring import Measured, Plan, in_turn
 from bench.shapes import PATHS, Shape
+
+RUN_LIMIT = 300.0  # seconds after which a run is stopped
 
 
 @dataclass
 class Setting:
-    """One shape, path and number of threads with the runs of each contender there, by name."""
+    """One shape, path and number of threads with the runs of each contender there, by name; no run where the first one was
+    stopped at RUN_LIMIT."""
 
     shape: Shape
     path: str
@@ -44,19 +47,19 @@ def compare(
 ) -> Setting:
     """Times all entrants that take part here, in turn."""
     present = [entrant for entrant in entrants if entrant.takes_part(path, threads)]
-    commands = {entrant.name: entrant.command(shape, path, threads) for entrant in present}
-    times = {entrant.name: min(runs, entrant.most_runs) for entrant in present}
+    plans = {
+        entrant.name: Plan(entrant.command(shape, path, threads), min(runs, entrant.most_runs), entrant.budget, RUN_LIMIT)
+        for entrant in present
+    }
     where = f"{shape.name}, {PATHS[path]}, {threads} thread{'s' if threads > 1 else ''}"
     labels = {entrant.name: entrant.label for entrant in present}
-    results = in_turn(commands, times, lambda name: tell(f"{where}: {labels[name]}"))
+    results = in_turn(plans, lambda name: tell(f"{where}: {labels[name]}"))
     return Setting(shape, path, threads, results)
 
 
 def one_and_two_threads(
     shape: Shape, path: str, program: contenders.Contender, runs: int, tell: Callable[[str], None]
 ) -> TwoThreads:
-    commands = {str(threads): program.command(shape, path, threads) for threads in (1, 2)}
-    results = in_turn(
-        commands, {"1": runs, "2": runs}, lambda name: tell(f"{shape.name}, {PATHS[path]}: one and two threads in turn")
-    )
+    plans = {str(threads): Plan(program.command(shape, path, threads), runs) for threads in (1, 2)}
+    results = in_turn(plans, lambda name: tell(f"{shape.name}, {PATHS[path]}: one and two threads in turn"))
     return TwoThreads(shape, path, results["1"], results["2"])

@@ -11,6 +11,7 @@ thrown away.
 """
 
 import json
+import math
 import os
 import signal
 import subprocess
@@ -26,6 +27,10 @@ class BenchmarkError(Exception):
     """What stops the benchmark, in words for its user."""
 
 
+class TookTooLong(BenchmarkError):
+    """A run that was stopped at its limit."""
+
+
 @dataclass(frozen=True)
 class Measured:
     """One run: seconds of processor time (user and system, all threads), seconds passed, the most memory in bytes."""
@@ -37,7 +42,7 @@ class Measured:
 
 
 def measure(command: Sequence, limit: float = 900.0) -> Measured:
-    """Runs the command once. Throws BenchmarkError when it fails or does not end within `limit` seconds."""
+    """Runs the command once. Throws BenchmarkError when it fails, TookTooLong when it does not end within `limit` seconds."""
     words = [str(word) for word in command]
     launcher = subprocess.run(
         [sys.executable, "-S", "-B", __file__, str(limit), *words], stdout=subprocess.PIPE, text=True, check=False
@@ -47,22 +52,40 @@ def measure(command: Sequence, limit: float = 900.0) -> Measured:
     result = json.loads(launcher.stdout)
     shown = " ".join(words)[:300]
     if result["status"] is None:
-        raise BenchmarkError(f"stopped after {limit:.0f} s: {shown}\n{result['said']}")
+        raise TookTooLong(f"stopped after {limit:.0f} s: {shown}\n{result['said']}")
     if result["status"] != 0:
         raise BenchmarkError(f"ended with status {result['status']}: {shown}\n{result['said']}")
     return Measured(result["cpu"], result["wall"], result["memory"], result["said"])
 
 
-def in_turn(commands: Dict[str, Sequence], runs: Dict[str, int], tell=lambda name: None) -> Dict[str, List[Measured]]:
-    """Runs each command as many times as `runs` says, in turn: A B C, A B C, A B, … so that what the machine does besides
-    falls on all alike. The n-th runs of two commands are a pair."""
-    results: Dict[str, List[Measured]] = {name: [] for name in commands}
-    for round_ in range(max(runs.values(), default=0)):
-        for name, command in commands.items():
-            if round_ >= runs[name]:
+@dataclass(frozen=True)
+class Plan:
+    """A command, how often it runs, and how long: it gets no further run once its runs have taken `budget` seconds together,
+    and none at all after one of them was stopped at `limit` seconds."""
+
+    command: Sequence
+    runs: int
+    budget: float = math.inf
+    limit: float = 900.0
+
+
+def in_turn(plans: Dict[str, Plan], tell=lambda name: None) -> Dict[str, List[Measured]]:
+    """Runs the commands in turn: A B C, A B C, A B, … so that what the machine does besides falls on all alike. The n-th
+    runs of two commands are a pair. Throws TookTooLong only for a command without a budget."""
+    results: Dict[str, List[Measured]] = {name: [] for name in plans}
+    stopped = set()
+    for round_ in range(max((plan.runs for plan in plans.values()), default=0)):
+        for name, plan in plans.items():
+            spent = sum(run.wall for run in results[name])
+            if round_ >= plan.runs or name in stopped or spent >= plan.budget:
                 continue
             tell(name)
-            results[name].append(measure(command))
+            try:
+                results[name].append(measure(plan.command, plan.limit))
+            except TookTooLong:
+                if math.isinf(plan.budget):
+                    raise
+                stopped.add(name)
     return results
 
 

@@ -10,13 +10,14 @@ from typing import Callable, List, Optional
 
 from bench import answers, contenders
 from bench.comparison import stages_of
-from bench.measuring import BenchmarkError, Measured, in_turn, measure, median_of, median_ratio
+from bench.measuring import BenchmarkError, Measured, Plan, in_turn, measure, median_of, median_ratio
 from bench.shapes import Shape, make
 from bench.tables import markdown, memory_bound, significant
 
 MEMBERS = 500
 LABELS = 200
 DISTINCT = 1_000_000
+STATISTICS = "/STATISTICS COUNT PERCENT MEAN STDDEV QUARTILES"
 
 
 class Scaling:
@@ -106,7 +107,7 @@ class Scaling:
         ]
         for words, few, many, option in cases:
             commands = {
-                name: self._words(data, dictionary, f"CODEBOOK {variable} /STATISTICS COUNT PERCENT MEAN STDDEV QUARTILES {option}.")
+                name: self._words(data, dictionary, f"CODEBOOK {variable} {STATISTICS} {option}.")
                 for name, variable in (("few", few), ("many", many))
             }
             runs = self._in_turn(commands)
@@ -167,7 +168,8 @@ class Scaling:
                 "--timing=json"]
 
     def _in_turn(self, commands: dict) -> dict:
-        return in_turn(commands, {name: self.runs for name in commands}, lambda name: self.tell(f"{len(self.rows) + 1}: {name}"))
+        plans = {name: Plan(command, self.runs) for name, command in commands.items()}
+        return in_turn(plans, lambda name: self.tell(f"check {len(self.rows) + 1}: {name}"))
 
     def _cpu(self, runs: List[Measured]) -> str:
         return f"{median_of(runs, 'cpu'):.2f} s"

@@ -3,7 +3,7 @@
 from statistics import median
 from typing import Callable, List, Optional, Sequence
 
-from bench.comparison import Setting, TwoThreads
+from bench.comparison import RUN_LIMIT, Setting, TwoThreads
 from bench.measuring import Measured, median_of, median_ratio
 from bench.shapes import PATHS
 
@@ -43,10 +43,12 @@ def comparison(settings: List[Setting], rivals: Sequence[tuple], runs: int) -> s
     """One row a setting and weighting; `rivals` are pairs of name and label. A rival's cell is the median of the ratios of
     processor time, ours to its, and its own seconds."""
 
-    def against(ours: Sequence[Measured], theirs: Sequence[Measured]) -> str:
+    def against(ours: Sequence[Measured], theirs: Optional[Sequence[Measured]]) -> str:
+        if theirs is None:
+            return "–"
         ratio = median_ratio(ours, theirs)
         if ratio is None:
-            return "–"
+            return f"stopped after {RUN_LIMIT:.0f} s"
         fewer = f", {len(theirs)} runs" if len(theirs) < runs else ""
         return f"**{significant(ratio, 2)}** ({_seconds(theirs, 'cpu')} s{fewer})"
 
@@ -67,7 +69,7 @@ def comparison(settings: List[Setting], rivals: Sequence[tuple], runs: int) -> s
                     _seconds(ours, "wall"),
                     f"{1e9 * median_of(ours, 'cpu') / cells:.1f}",
                     f"{median_of(ours, 'memory') / 1e6:.0f}",
-                    *(against(ours, setting.runs.get(rival, [])) for rival, _ in rivals),
+                    *(against(ours, setting.runs.get(rival)) for rival, _ in rivals),
                 ]
             )
     header = ["shape", "path", "threads", "weighted", "CPU s", "wall s", "ns a cell", "peak MB"]
@@ -107,20 +109,19 @@ def goals(settings: List[Setting], pairs: List[TwoThreads]) -> str:
     def seventh(shape: str) -> float:
         return 1 / 5 if shape.startswith("X") else 1 / 7
 
+    summary, read = ratio("ours", "summarize"), ratio("ours", "read")
+    weighted = ratio("weighted", "ours")
     rows = []
     for path, against_summary, words, against_read in (
         ("csv", seventh, "1/7 (X: 1/5)", 0.8),
         ("plain", lambda _: 1 / 5, "1/5", 1.1),
         ("parquet", lambda _: 1 / 6, "1/6", 2.0),
     ):
-        rows.append(
-            row(f"{PATHS[path]}: CPU at most {words} of SUMMARIZE", path, against_summary, ratio("ours", "summarize"))
-        )
-        rows.append(
-            row(f"{PATHS[path]}: CPU at most {against_read} of the bare read", path, lambda _, b=against_read: b, ratio("ours", "read"))
-        )
-        rows.append(row(f"{PATHS[path]}: weighted at most 1.5 of unweighted CPU", path, lambda _: 1.5, ratio("weighted", "ours")))
-        rows.append(row(f"{PATHS[path]}: peak memory within 1.2 × compact columns + 100 MB (1 = all of it)", path, lambda _: 1.0, memory))
+        label = PATHS[path]
+        rows.append(row(f"{label}: CPU at most {words} of SUMMARIZE", path, against_summary, summary))
+        rows.append(row(f"{label}: CPU at most {against_read} of the bare read", path, lambda _, b=against_read: b, read))
+        rows.append(row(f"{label}: weighted at most 1.5 of unweighted CPU", path, lambda _: 1.5, weighted))
+        rows.append(row(f"{label}: share of the memory allowed (1.2 × compact columns + 100 MB)", path, lambda _: 1.0, memory))
     for path in dict.fromkeys(pair.path for pair in pairs):
         cells = []
         for shape in shapes:

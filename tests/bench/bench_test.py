@@ -2,15 +2,16 @@
 """Tests of what decides in the benchmark: bench_test.py"""
 
 import copy
-import os
+import json
 import sys
+import tempfile
 import unittest
 from fractions import Fraction
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent.parent))
 
-from bench import answers, measuring, reference  # noqa: E402
+from bench import answers, comparison, measuring, reference, shapes, tables  # noqa: E402
 
 
 def run(cpu: float, wall: float = 1.0) -> measuring.Measured:
@@ -59,12 +60,35 @@ class Measuring(unittest.TestCase):
         with self.assertRaisesRegex(measuring.BenchmarkError, "stopped after 0 s: .*sleep"):
             measuring.measure([sys.executable, "-c", "import time; time.sleep(60)"], limit=0.2)
 
-    def test_runsAreTakenInTurn(self):
+
+def nothing(runs: int, **limits) -> measuring.Plan:
+    return measuring.Plan([sys.executable, "-S", "-c", "pass"], runs, **limits)
+
+
+class InTurn(unittest.TestCase):
+    def order(self, plans) -> list:
         order = []
-        commands = {"a": [sys.executable, "-S", "-c", "pass"], "b": [sys.executable, "-S", "-c", "pass"]}
-        results = measuring.in_turn(commands, {"a": 3, "b": 2}, order.append)
-        self.assertEqual(order, ["a", "b", "a", "b", "a"])
-        self.assertEqual([len(results["a"]), len(results["b"])], [3, 2])
+        results = measuring.in_turn(plans, order.append)
+        self.runs = {name: len(runs) for name, runs in results.items()}
+        return order
+
+    def test_theCommandsFollowOneAnother(self):
+        self.assertEqual(self.order({"a": nothing(3), "b": nothing(2)}), ["a", "b", "a", "b", "a"])
+        self.assertEqual(self.runs, {"a": 3, "b": 2})
+
+    def test_whoHasSpentTheBudgetGetsNoFurtherRun(self):
+        self.assertEqual(self.order({"a": nothing(3), "b": nothing(3, budget=0.001)}), ["a", "b", "a", "a"])
+
+    def test_whoWasStoppedGetsNoFurtherRunAndTheOthersGoOn(self):
+        endless = [sys.executable, "-c", "import time; time.sleep(60)"]
+        plans = {"a": nothing(2), "b": measuring.Plan(endless, 2, budget=100, limit=0.2)}
+        self.assertEqual(self.order(plans), ["a", "b", "a"])
+        self.assertEqual(self.runs, {"a": 2, "b": 0})
+
+    def test_withoutABudgetBeingStoppedEndsTheBenchmark(self):
+        endless = [sys.executable, "-c", "import time; time.sleep(60)"]
+        with self.assertRaises(measuring.TookTooLong):
+            measuring.in_turn({"a": measuring.Plan(endless, 2, limit=0.2)})
 
 
 CODES = {"counts": {"1": 60, "2": 30, "-9": 6}, "blank": 4}
@@ -235,12 +259,60 @@ class Reference(unittest.TestCase):
         self.assertEqual(reference.moments(["1", "", "3"])["count"], 2)
 
     def test_readsTheColumnsByName(self):
-        path = Path(os.environ.get("TMPDIR", "/tmp")) / f"bench-{os.getpid()}.csv"
-        try:
+        with tempfile.TemporaryDirectory() as folder:
+            path = Path(folder) / "some.csv"
             path.write_text("a,b,c\n1,2,\n4,,6\n")
             self.assertEqual(reference.read_columns(path, ["c", "a"]), {"c": ["", "6"], "a": ["1", "4"]})
-        finally:
-            path.unlink()
+
+
+class Tables(unittest.TestCase):
+    def test_aGoalIsKeptUpToItsBoundAndMissedBeyond(self):
+        self.assertEqual(tables.verdict(0.8, 0.8), "0.80 kept")
+        self.assertEqual(tables.verdict(0.8001, 0.8), "0.80 **missed**")
+        self.assertEqual(tables.verdict(None, 0.8), "–")
+
+    def test_numbersHaveTheirDigits(self):
+        shown = [tables.significant(number) for number in (0.0123456, 0.123456, 1.23456, 12.3456, 123.456, 12345.6, 0)]
+        self.assertEqual(shown, ["0.0123", "0.123", "1.23", "12.3", "123", "12,346", "0"])
+
+    def setting(self, theirs) -> comparison.Setting:
+        shape = shapes.Shape("W", 1000, 100, Path("."))
+        ours = [run(1.0), run(2.0), run(3.0)]
+        return comparison.Setting(shape, "csv", 1, {"ours": ours, "weighted": ours, "summarize": theirs})
+
+    def row(self, theirs, rivals=(("summarize", "DuckDB SUMMARIZE"),)) -> str:
+        return tables.comparison([self.setting(theirs)], rivals, 3).splitlines()[2]
+
+    def test_aRivalsCellIsTheRatioAndItsSeconds(self):
+        self.assertTrue(self.row([run(10.0), run(10.0), run(10.0)]).endswith("| **0.20** (10.00 s) |"))
+
+    def test_fewerRunsThanAskedAreSaid(self):
+        self.assertTrue(self.row([run(10.0), run(10.0)]).endswith("| **0.15** (10.00 s, 2 runs) |"))
+
+    def test_whoWasStoppedIsToldFromWhoTookNoPart(self):
+        self.assertTrue(self.row([]).endswith("| stopped after 300 s |"))
+        self.assertTrue(self.row([], rivals=(("pandas", "pandas"),)).endswith("| – |"))
+
+    def test_goalsOfTheShapeXAreItsOwn(self):
+        setting = self.setting([run(6.0), run(12.0), run(18.0)])
+        with tempfile.TemporaryDirectory() as folder:
+            for name, word in (("W", "**missed**"), ("X", "kept")):
+                setting.shape = shapes.Shape(name, 1000, 1, Path(folder))
+                setting.shape.dictionary.write_text('{"fields": [{"name": "a", "type": "integer"}]}')
+                line = tables.goals([setting], []).splitlines()[2]
+                self.assertEqual(line, f"| CSV, dictionary: CPU at most 1/7 (X: 1/5) of SUMMARIZE | 0.17 {word} |")
+
+    def test_memoryIsBoundByTheCompactColumns(self):
+        with tempfile.TemporaryDirectory() as folder:
+            shape = shapes.Shape("W", 1000, 3, Path(folder))
+            types = ("integer", "number", "string")
+            shape.dictionary.write_text(json.dumps({"fields": [{"name": type_, "type": type_} for type_ in types]}))
+            self.assertEqual(shape.compact_bytes(), 1000 * (1 + 8 + 4))
+        self.assertEqual(tables.memory_bound(13_000), 15_600 + 100e6)
+
+    def test_ofStagesAreReadFromWhatTheProgramSays(self):
+        said = 'codebook: warning: x\ncodebook: timings: {"read": {"wall": 1.0, "cpu": 2.0}}\n'
+        self.assertEqual(comparison.stages_of(measuring.Measured(1, 1, 1, said)), {"read": {"wall": 1.0, "cpu": 2.0}})
 
 
 if __name__ == "__main__":
