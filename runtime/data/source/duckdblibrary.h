@@ -20,6 +20,7 @@ struct DuckDBLibrary {
   USE(duckdb_create_config)              \
   USE(duckdb_data_chunk_get_size)        \
   USE(duckdb_data_chunk_get_vector)      \
+  USE(duckdb_decimal_scale)              \
   USE(duckdb_decimal_width)              \
   USE(duckdb_destroy_config)             \
   USE(duckdb_destroy_data_chunk)         \
@@ -34,7 +35,6 @@ struct DuckDBLibrary {
   USE(duckdb_open_ext)                   \
   USE(duckdb_prepare)                    \
   USE(duckdb_prepare_error)              \
-                                         \
   USE(duckdb_result_error)               \
   USE(duckdb_set_config)                 \
   USE(duckdb_vector_get_data)            \

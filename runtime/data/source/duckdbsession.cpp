@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include <fcntl.h>
@@ -33,8 +34,8 @@ std::string WithoutQuery(const char* problem) {
   return words;
 }
 
-bool IsValid(const std::uint64_t* validity, std::size_t row) {
-  return validity == nullptr || (validity[row / 64] >> (row % 64) & 1) != 0;
+bool IsValid(const DuckDBVector& vector, std::size_t row) {
+  return vector.validity == nullptr || (vector.validity[row / 64] >> (row % 64) & 1) != 0;
 }
 
 class FetchedChunk final : public DuckDBChunk {
@@ -46,29 +47,9 @@ class FetchedChunk final : public DuckDBChunk {
 
   std::size_t rows() const override { return fLibrary.duckdb_data_chunk_get_size(fChunk); }
 
-  void Doubles(std::size_t column, double* values) const override {
+  DuckDBVector Vector(std::size_t column) const override {
     const duckdb_vector vector = fLibrary.duckdb_data_chunk_get_vector(fChunk, column);
-    const auto* data = static_cast<const double*>(fLibrary.duckdb_vector_get_data(vector));
-    const std::uint64_t* validity = fLibrary.duckdb_vector_get_validity(vector);
-    const std::size_t count = rows();
-    for (std::size_t row = 0; row < count; ++row)
-      values[row] = IsValid(validity, row) ? data[row] : std::numeric_limits<double>::quiet_NaN();
-  }
-
-  void Texts(std::size_t column, std::string_view* texts) const override {
-    const duckdb_vector vector = fLibrary.duckdb_data_chunk_get_vector(fChunk, column);
-    const auto* data = static_cast<const duckdb_string_t*>(fLibrary.duckdb_vector_get_data(vector));
-    const std::uint64_t* validity = fLibrary.duckdb_vector_get_validity(vector);
-    constexpr std::uint32_t kLongestInlined = sizeof(data->value.inlined.inlined);
-    const std::size_t count = rows();
-    for (std::size_t row = 0; row < count; ++row) {
-      if (!IsValid(validity, row)) {
-        texts[row] = {};
-        continue;
-      }
-      const std::uint32_t length = data[row].value.inlined.length;
-      texts[row] = {length <= kLongestInlined ? data[row].value.inlined.inlined : data[row].value.pointer.ptr, length};
-    }
+    return {fLibrary.duckdb_vector_get_data(vector), fLibrary.duckdb_vector_get_validity(vector)};
   }
 
  private:
@@ -78,28 +59,65 @@ class FetchedChunk final : public DuckDBChunk {
 
 }  // namespace
 
-struct DuckDBSession::Connection {
+DuckDBStream::~DuckDBStream() = default;
+
+double DuckDBChunk::Number(std::size_t column, std::size_t row) const {
+  const DuckDBVector vector = Vector(column);
+  return IsValid(vector, row) ? static_cast<const double*>(vector.cells)[row]
+                              : std::numeric_limits<double>::quiet_NaN();
+}
+
+void DuckDBChunk::Texts(std::size_t column, std::size_t first, std::size_t count, std::string_view* texts) const {
+  const DuckDBVector vector = Vector(column);
+  const auto* const cells = static_cast<const duckdb_string_t*>(vector.cells);
+  constexpr std::uint32_t kLongestInlined = sizeof(cells->value.inlined.inlined);
+  for (std::size_t row = first; row < first + count; ++row) {
+    const duckdb_string_t& cell = cells[row];
+    const std::uint32_t length = cell.value.inlined.length;
+    *texts++ =
+        !IsValid(vector, row)
+            ? std::string_view()
+            : std::string_view(length <= kLongestInlined ? cell.value.inlined.inlined : cell.value.pointer.ptr, length);
+  }
+}
+
+struct DuckDBSession::Database {
   const DuckDBLibrary& library = DuckDBLibrary::Get();
   duckdb_database database = nullptr;
-  duckdb_connection connection = nullptr;
   int file = -1;  // kept open while its number stands for its path
 
-  Connection() = default;
-  ~Connection() {
+  Database() = default;
+  ~Database() {
     if (file >= 0) close(file);
-    library.duckdb_disconnect(&connection);
     library.duckdb_close(&database);
   }
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+};
+
+class DuckDBSession::Connection {
+ public:
+  explicit Connection(const DuckDBSession& session) : fLibrary(session.fDatabase->library) {
+    if (fLibrary.duckdb_connect(session.fDatabase->database, &fConnection) == DuckDBError)
+      session.Fail("no connection");
+  }
+  ~Connection() { fLibrary.duckdb_disconnect(&fConnection); }
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
+
+  duckdb_connection get() const { return fConnection; }
+
+ private:
+  const DuckDBLibrary& fLibrary;
+  duckdb_connection fConnection = nullptr;
 };
 
 /// A query under way.
 class DuckDBSession::Result {
  public:
-  Result(const DuckDBSession& session, const std::string& sql)
-      : fSession(session), fLibrary(session.fConnection->library) {
-    if (fLibrary.duckdb_prepare(session.fConnection->connection, sql.c_str(), &fStatement) == DuckDBError)
+  Result(const DuckDBSession& session, const Connection& connection, const std::string& sql)
+      : fSession(session), fLibrary(session.fDatabase->library) {
+    if (fLibrary.duckdb_prepare(connection.get(), sql.c_str(), &fStatement) == DuckDBError)
       Fail(fLibrary.duckdb_prepare_error(fStatement));
     if (sql.find("$1") != std::string::npos &&
         fLibrary.duckdb_bind_varchar(fStatement, 1, session.fPath.c_str()) == DuckDBError)
@@ -140,30 +158,57 @@ class DuckDBSession::Result {
   duckdb_result fResult{};
 };
 
+class DuckDBSession::Stream : public DuckDBStream {
+ public:
+  /// `own` null: on the session's connection.
+  Stream(const DuckDBSession& session, std::unique_ptr<Connection> own, const std::string& sql)
+      : fLibrary(session.fDatabase->library),
+        fOwnConnection(std::move(own)),
+        fResult(session, fOwnConnection ? *fOwnConnection : *session.fConnection, sql) {}
+
+  const DuckDBChunk* Next() override {
+    fChunk.reset();
+    const duckdb_data_chunk chunk = fResult.Next();
+    if (!chunk) return nullptr;
+    return &fChunk.emplace(fLibrary, chunk);
+  }
+
+ private:
+  const DuckDBLibrary& fLibrary;
+  std::unique_ptr<Connection> fOwnConnection;
+  Result fResult;
+  std::optional<FetchedChunk> fChunk;
+};
+
 DuckDBSession::DuckDBSession(const std::string& path, int threads)
-    : fFile(path), fPath(path), fConnection(std::make_unique<Connection>()) {
+    : fFile(path), fPath(path), fDatabase(std::make_unique<Database>()), fThreads(threads) {
   if (path.find_first_of("*?[") != std::string::npos) {
     // DuckDB takes such a name for a pattern of names and knows no way to write it otherwise.
-    fConnection->file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fConnection->file < 0) Fail(std::strerror(errno));
-    fPath = fmt::format("/proc/self/fd/{}", fConnection->file);
+    fDatabase->file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fDatabase->file < 0) Fail(std::strerror(errno));
+    fPath = fmt::format("/proc/self/fd/{}", fDatabase->file);
   }
-  const DuckDBLibrary& library = fConnection->library;
+  const DuckDBLibrary& library = fDatabase->library;
   duckdb_config config = nullptr;
   library.duckdb_create_config(&config);
   library.duckdb_set_config(config, "autoinstall_known_extensions", "false");
   library.duckdb_set_config(config, "autoload_known_extensions", "false");
   library.duckdb_set_config(config, "preserve_insertion_order", "true");
+  library.duckdb_set_config(config, "temp_directory", "");
   if (threads > 0) library.duckdb_set_config(config, "threads", std::to_string(threads).c_str());
   char* problem = nullptr;
-  const duckdb_state opened = library.duckdb_open_ext(nullptr, &fConnection->database, config, &problem);
+  const duckdb_state opened = library.duckdb_open_ext(nullptr, &fDatabase->database, config, &problem);
   library.duckdb_destroy_config(&config);
   if (opened == DuckDBError) {
     const std::string words = WithoutQuery(problem);
     library.duckdb_free(problem);
     Fail(words);
   }
-  if (library.duckdb_connect(fConnection->database, &fConnection->connection) == DuckDBError) Fail("no connection");
+  fConnection = std::make_unique<Connection>(*this);
+  // Many streams read one file, each from its own place.
+  Set("SET GLOBAL parquet_metadata_cache = true");
+  // Several threads work on one query only as far as there is room for what they are ahead.
+  if (threads != 1) Set("SET streaming_buffer_size = '64MB'");
   Set("SET allowed_paths = [" + Quoted(fPath) + "]");
   Set("SET enable_external_access = false");
   Set("SET lock_configuration = true");
@@ -172,18 +217,23 @@ DuckDBSession::DuckDBSession(const std::string& path, int threads)
 DuckDBSession::~DuckDBSession() = default;
 
 void DuckDBSession::Set(const std::string& sql) const {
-  Result result(*this, sql);
-  while (duckdb_data_chunk chunk = result.Next()) fConnection->library.duckdb_destroy_data_chunk(&chunk);
+  Result result(*this, *fConnection, sql);
+  while (duckdb_data_chunk chunk = result.Next()) fDatabase->library.duckdb_destroy_data_chunk(&chunk);
 }
 
 void DuckDBSession::Run(const std::string& sql, const std::function<void(const DuckDBChunk&)>& take) const {
-  Result result(*this, sql);
-  while (const duckdb_data_chunk chunk = result.Next()) take(FetchedChunk(fConnection->library, chunk));
+  Result result(*this, *fConnection, sql);
+  while (const duckdb_data_chunk chunk = result.Next()) take(FetchedChunk(fDatabase->library, chunk));
+}
+
+std::unique_ptr<DuckDBStream> DuckDBSession::Open(const std::string& sql) const {
+  // A second query on a connection would end the first one's rows without a word.
+  return std::make_unique<Stream>(*this, fThreads == 1 ? std::make_unique<Connection>(*this) : nullptr, sql);
 }
 
 std::vector<DuckDBColumn> DuckDBSession::Columns(const std::string& sql) const {
-  const DuckDBLibrary& library = fConnection->library;
-  Result result(*this, sql);
+  const DuckDBLibrary& library = fDatabase->library;
+  Result result(*this, *fConnection, sql);
   std::vector<DuckDBColumn> columns(library.duckdb_column_count(&result.get()));
   for (std::size_t i = 0; i < columns.size(); ++i) {
     columns[i].name = library.duckdb_column_name(&result.get(), i);
@@ -191,6 +241,7 @@ std::vector<DuckDBColumn> DuckDBSession::Columns(const std::string& sql) const {
     if (columns[i].type != DUCKDB_TYPE_DECIMAL) continue;
     duckdb_logical_type type = library.duckdb_column_logical_type(&result.get(), i);
     columns[i].decimalWidth = library.duckdb_decimal_width(type);
+    columns[i].decimalScale = library.duckdb_decimal_scale(type);
     library.duckdb_destroy_logical_type(&type);
   }
   return columns;

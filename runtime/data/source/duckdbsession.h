@@ -4,6 +4,7 @@
 #ifdef CODEBOOK_HAVE_DUCKDB
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -12,51 +13,75 @@
 
 namespace runtime::data {
 
+/// The cells of a column of a piece as DuckDB holds them, in a type of its own; valid as long as the piece.
+struct DuckDBVector {
+  const void* cells = nullptr;
+  const std::uint64_t* validity = nullptr;  // a bit a row, 0 for null; null: no cell is null
+};
+
 /// A piece of a result.
 class DuckDBChunk {
  public:
   virtual std::size_t rows() const = 0;
-  /// The cells of a DOUBLE column; NaN for null.
-  virtual void Doubles(std::size_t column, double* values) const = 0;
-  /// The cells of a VARCHAR column; views into the chunk, empty for null.
-  virtual void Texts(std::size_t column, std::string_view* texts) const = 0;
+  virtual DuckDBVector Vector(std::size_t column) const = 0;
+
+  /// The cell of a row of a DOUBLE column; NaN for null.
+  double Number(std::size_t column, std::size_t row) const;
+  /// The cells of a VARCHAR column from a row on; views into the chunk, empty for null.
+  void Texts(std::size_t column, std::size_t first, std::size_t count, std::string_view* texts) const;
 
  protected:
   ~DuckDBChunk() = default;
+};
+
+/// The rows of a query that are not there all at once. One thread at a time.
+class DuckDBStream {
+ public:
+  virtual ~DuckDBStream();
+  /// The next piece, valid until the next call; null at the end. A failure on the way throws DataError.
+  virtual const DuckDBChunk* Next() = 0;
 };
 
 /// What is known of a column of a query before its rows are read.
 struct DuckDBColumn {
   std::string name;
   int type = 0;          // a duckdb_type
-  int decimalWidth = 0;  // of DECIMAL
+  int decimalWidth = 0;  // of DECIMAL: digits, and those behind the point
+  int decimalScale = 0;
 };
 
-/// Extensions are neither fetched nor loaded, the network is out of reach, rows keep their order. Errors throw
-/// DataError that names the file.
+/// Extensions are neither fetched nor loaded, the network is out of reach, nothing is written to disk, rows keep their
+/// order. Errors throw DataError that names the file.
 class DuckDBSession {
  public:
   /// `path` is absolute and names a file that can be opened; characters of patterns (* ? [) are taken literally.
-  /// `threads` 0: as many as the machine has.
+  /// `threads` 0: as many as the machine has. With 1 a query runs on the thread that takes its rows.
   DuckDBSession(const std::string& path, int threads);
   ~DuckDBSession();
   DuckDBSession(const DuckDBSession&) = delete;
   DuckDBSession& operator=(const DuckDBSession&) = delete;
 
+  /// Runs a query, whose parameter $1 is the path; it must end before the session. With one thread several may be under
+  /// way at once, also on other threads than this one; with several, which then work on it, it must be the only query.
+  std::unique_ptr<DuckDBStream> Open(const std::string& sql) const;
   /// Runs a query whose parameter $1, where it has one, is the path, and hands over its rows.
   void Run(const std::string& sql, const std::function<void(const DuckDBChunk&)>& take) const;
   /// The columns of a query, which should give no rows.
   std::vector<DuckDBColumn> Columns(const std::string& sql) const;
 
  private:
-  struct Connection;
+  struct Database;
+  class Connection;
   class Result;
+  class Stream;
 
   void Set(const std::string& sql) const;
   [[noreturn]] void Fail(const std::string& problem) const;
 
   std::string fFile;  // in messages
   std::string fPath;  // as DuckDB is told it
+  std::unique_ptr<Database> fDatabase;
+  int fThreads;
   std::unique_ptr<Connection> fConnection;
 };
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -13,6 +14,8 @@
 #include "runtime/data/open.h"
 #include "runtime/data/source/duckdblibrary.h"
 #include "runtime/data/source/duckdbsession.h"
+#include "runtime/data/source/nativecells.h"
+#include "runtime/data/typing/quotedcell.h"
 
 namespace runtime::data {
 namespace {
@@ -34,6 +37,7 @@ std::string Identifier(const std::string& name) {
 struct ColumnPlan {
   std::string asNumber;  // empty for texts
   std::string asText;
+  NativeNumbers native{.type = DUCKDB_TYPE_DOUBLE};  // of asNumber
   bool mayNotFit = false;  // whole numbers or decimals that may need more digits than a double has
 };
 
@@ -42,39 +46,67 @@ struct PlannedColumn {
   ColumnPlan plan;
 };
 
+/// Of dates and moments: so many units make a second, and two numbers stand for infinity.
+NativeNumbers Moments(double unitsOfSecond) {
+  return {.type = DUCKDB_TYPE_BIGINT, .divisor = unitsOfSecond, .hasInfinity = true};
+}
+
+/// A DECIMAL is a whole number, in the smallest type of its digits, over a power of ten.
+PlannedColumn PlanDecimal(const DuckDBColumn& column, const std::string& name, const std::string& text) {
+  constexpr int kDigits16 = 4;
+  constexpr int kDigits32 = 9;
+  constexpr int kDigits64 = 18;
+  const bool mayNotFit = column.decimalWidth > kDigitsOfDouble;
+  if (column.decimalWidth > kDigits64)
+    return {FieldType::Number, {name + "::DOUBLE", text, {.type = DUCKDB_TYPE_DOUBLE}, mayNotFit}};
+  NativeNumbers native{.type = DUCKDB_TYPE_BIGINT};
+  if (column.decimalWidth <= kDigits32) native.type = DUCKDB_TYPE_INTEGER;
+  if (column.decimalWidth <= kDigits16) native.type = DUCKDB_TYPE_SMALLINT;
+  for (int digit = 0; digit < column.decimalScale; ++digit) native.divisor *= 10.0;
+  return {FieldType::Number, {name, text, native, mayNotFit}};
+}
+
 PlannedColumn PlanParquet(const DuckDBColumn& column) {
+  constexpr double kSecondsOfDay = 86'400.0;
   const std::string name = Identifier(column.name);
   const std::string text = name + "::VARCHAR";
+  const std::string momentText = "replace(" + text + ", ' ', 'T')";
+  const NativeNumbers asItIs{.type = column.type};
   switch (column.type) {
     case DUCKDB_TYPE_BOOLEAN:
-      return {FieldType::Boolean, {name + "::INTEGER::DOUBLE", text}};
+      return {FieldType::Boolean, {name, text, asItIs}};
     case DUCKDB_TYPE_TINYINT:
     case DUCKDB_TYPE_SMALLINT:
     case DUCKDB_TYPE_INTEGER:
     case DUCKDB_TYPE_UTINYINT:
     case DUCKDB_TYPE_USMALLINT:
     case DUCKDB_TYPE_UINTEGER:
-      return {FieldType::Integer, {name + "::DOUBLE", text}};
+      return {FieldType::Integer, {name, text, asItIs}};
     case DUCKDB_TYPE_BIGINT:
     case DUCKDB_TYPE_UBIGINT:
+      return {FieldType::Integer, {name, text, asItIs, true}};
     case DUCKDB_TYPE_HUGEINT:
     case DUCKDB_TYPE_UHUGEINT:
-      return {FieldType::Integer, {name + "::DOUBLE", text, true}};
+      return {FieldType::Integer, {name + "::DOUBLE", text, {.type = DUCKDB_TYPE_DOUBLE}, true}};
     case DUCKDB_TYPE_FLOAT:
     case DUCKDB_TYPE_DOUBLE:
-      return {FieldType::Number, {name + "::DOUBLE", text}};
+      return {FieldType::Number, {name, text, asItIs}};
     case DUCKDB_TYPE_DECIMAL:
-      return {FieldType::Number, {name + "::DOUBLE", text, column.decimalWidth > kDigitsOfDouble}};
+      return PlanDecimal(column, name, text);
     case DUCKDB_TYPE_DATE:
-      return {FieldType::Date, {"epoch(" + name + ")", text}};
-    case DUCKDB_TYPE_TIMESTAMP:
+      return {FieldType::Date,
+              {name, text, {.type = DUCKDB_TYPE_INTEGER, .factor = kSecondsOfDay, .hasInfinity = true}}};
     case DUCKDB_TYPE_TIMESTAMP_S:
+      return {FieldType::DateTime, {name, momentText, Moments(1.0)}};
     case DUCKDB_TYPE_TIMESTAMP_MS:
-    case DUCKDB_TYPE_TIMESTAMP_NS:
+      return {FieldType::DateTime, {name, momentText, Moments(1e3)}};
+    case DUCKDB_TYPE_TIMESTAMP:
     case DUCKDB_TYPE_TIMESTAMP_TZ:
-      return {FieldType::DateTime, {"epoch(" + name + ")", "replace(" + text + ", ' ', 'T')"}};
+      return {FieldType::DateTime, {name, momentText, Moments(1e6)}};
+    case DUCKDB_TYPE_TIMESTAMP_NS:
+      return {FieldType::DateTime, {name, momentText, Moments(1e9)}};
     case DUCKDB_TYPE_TIME:
-      return {FieldType::Time, {"epoch(" + name + ")", text}};
+      return {FieldType::Time, {name, text, {.type = DUCKDB_TYPE_BIGINT, .divisor = 1e6}}};
     case DUCKDB_TYPE_LIST:
     case DUCKDB_TYPE_ARRAY:
     case DUCKDB_TYPE_STRUCT:
@@ -127,16 +159,66 @@ struct JsonKinds {
 
 ColumnPlan PlanJson(const std::string& column, FieldType type) {
   const std::string text = "(" + Identifier(column) + " ->> '$')";
-  if (type == FieldType::Boolean) return {"TRY_CAST(" + text + " AS BOOLEAN)::INTEGER::DOUBLE", text};
+  if (type == FieldType::Boolean) return {"TRY_CAST(" + text + " AS BOOLEAN)", text, {.type = DUCKDB_TYPE_BOOLEAN}};
   if (type == FieldType::String) return {"", text};
   return {"TRY_CAST(" + text + " AS DOUBLE)", text};
 }
 
+/// A column of a stream: its numbers, or its texts.
+struct FetchedColumn {
+  bool isText = false;
+  NativeNumbers native;
+  std::string name;
+};
+
+/// A query under way, whose columns are those asked for.
+class DuckDBTableStream : public TableStream {
+ public:
+  DuckDBTableStream(std::string path, std::unique_ptr<DuckDBStream> rows, std::vector<FetchedColumn> columns,
+                    std::int64_t rowCount)
+      : fPath(std::move(path)), fRows(std::move(rows)), fColumns(std::move(columns)), fRowCount(rowCount) {}
+
+  std::size_t Next() override {
+    fChunk = fRows->Next();
+    const std::size_t count = fChunk ? fChunk->rows() : 0;
+    fRowsRead += static_cast<std::int64_t>(count);
+    if (fRowsRead > fRowCount || (count == 0 && fRowsRead < fRowCount))
+      throw DataError(
+          fmt::format("{}: {} rows were read of {}; the file changed or is damaged", fPath, fRowsRead, fRowCount));
+    return count;
+  }
+
+  void Take(std::size_t column, std::size_t first, std::size_t count, ColumnSink& sink) override {
+    const FetchedColumn& fetched = fColumns[column];
+    if (fetched.isText) {
+      fTexts.resize(std::max(fTexts.size(), count));
+      fChunk->Texts(column, first, count, fTexts.data());
+      sink.Texts(fTexts.data(), count);
+    } else if (!TakeNumbers(fChunk->Vector(column), fetched.native, first, count, sink)) {
+      throw DataError(
+          fmt::format("{}: column {} has a whole number beyond 2^53, which its least and greatest values in the file "
+                      "deny; the file is damaged",
+                      fPath, QuotedCell(fetched.name)));
+    }
+  }
+
+ private:
+  std::string fPath;
+  std::unique_ptr<DuckDBStream> fRows;
+  std::vector<FetchedColumn> fColumns;
+  std::int64_t fRowCount;
+  std::int64_t fRowsRead = 0;
+  const DuckDBChunk* fChunk = nullptr;
+  std::vector<std::string_view> fTexts;
+};
+
 class DuckDBTable : public TableSource {
  public:
+  // A Parquet file is read by a stream a thread, JSON lines by one stream on which all threads work.
   DuckDBTable(const std::string& path, TableFileKind kind, int threads)
       : fPath(path),
-        fSession(std::filesystem::absolute(path).string(), threads),
+        fKind(kind),
+        fSession(std::filesystem::absolute(path).string(), kind == TableFileKind::Parquet ? 1 : threads),
         fTable(kind == TableFileKind::Parquet ? kParquetTable : kJsonTable) {
     const std::vector<DuckDBColumn> columns = fSession.Columns(fmt::format("SELECT * FROM {} LIMIT 0", fTable));
     if (columns.empty()) throw DataError(path + ": the file has no columns");
@@ -146,14 +228,17 @@ class DuckDBTable : public TableSource {
       DescribeJson(columns);
   }
 
-  void Read(const std::vector<bool>& asText, ColumnSink& sink) override;
+  std::size_t ColumnsOfStream(int threads) const override;
+  std::unique_ptr<TableStream> Open(const std::vector<StreamColumn>& columns) override;
 
  private:
   void DescribeParquet(const std::vector<DuckDBColumn>& columns);
   void DescribeJson(const std::vector<DuckDBColumn>& columns);
   void MakeTextOfWhatDoesNotFit();
+  std::vector<bool> ColumnsProvenToFit() const;
 
   std::string fPath;
+  TableFileKind fKind;
   DuckDBSession fSession;
   std::string fTable;
   std::vector<ColumnPlan> fPlans;
@@ -165,19 +250,46 @@ void DuckDBTable::DescribeParquet(const std::vector<DuckDBColumn>& columns) {
     fColumns.push_back({column.name, planned.type});
     fPlans.push_back(std::move(planned.plan));
   }
-  fSession.Run(fmt::format("SELECT count(*)::DOUBLE FROM {}", fTable), [&](const DuckDBChunk& chunk) {
-    double count = 0;
-    chunk.Doubles(0, &count);
-    fRowCount = static_cast<std::int64_t>(count);
-  });
+  fSession.Run(fmt::format("SELECT count(*)::DOUBLE FROM {}", fTable),
+               [&](const DuckDBChunk& chunk) { fRowCount = static_cast<std::int64_t>(chunk.Number(0, 0)); });
   MakeTextOfWhatDoesNotFit();
 }
 
+/// The columns of whose values the file itself says that they fit; none when columns have parts of their own, for the
+/// file counts the parts.
+std::vector<bool> DuckDBTable::ColumnsProvenToFit() const {
+  std::vector<bool> proven(fPlans.size(), true);
+  std::vector<std::string_view> least;
+  std::vector<std::string_view> greatest;
+  bool isFlat = true;
+  // A group of rows without any value needs no bounds.
+  fSession.Run(
+      "SELECT column_id::DOUBLE, stats_min_value, stats_max_value, coalesce(stats_null_count = num_values, "
+      "false)::INTEGER::DOUBLE FROM parquet_metadata($1)",
+      [&](const DuckDBChunk& chunk) {
+        const std::size_t count = chunk.rows();
+        least.resize(count);
+        greatest.resize(count);
+        chunk.Texts(1, 0, count, least.data());
+        chunk.Texts(2, 0, count, greatest.data());
+        for (std::size_t row = 0; row < count; ++row) {
+          const auto column = static_cast<std::size_t>(chunk.Number(0, row));
+          isFlat = isFlat && column < proven.size();
+          if (!isFlat || chunk.Number(3, row) != 0.0) continue;
+          if (least[row].empty() || greatest[row].empty() || !FitsDouble(least[row]) || !FitsDouble(greatest[row]))
+            proven[column] = false;
+        }
+      });
+  return isFlat ? proven : std::vector<bool>(fPlans.size(), false);
+}
+
 void DuckDBTable::MakeTextOfWhatDoesNotFit() {
+  if (std::none_of(fPlans.begin(), fPlans.end(), [](const ColumnPlan& plan) { return plan.mayNotFit; })) return;
+  const std::vector<bool> proven = ColumnsProvenToFit();
   std::vector<std::size_t> doubtful;
   std::vector<std::string> bounds;
   for (std::size_t column = 0; column < fPlans.size(); ++column) {
-    if (!fPlans[column].mayNotFit) continue;
+    if (!fPlans[column].mayNotFit || proven[column]) continue;
     doubtful.push_back(column);
     const std::string name = Identifier(fColumns[column].name);
     bounds.push_back(fmt::format("min({0})::VARCHAR, max({0})::VARCHAR", name));
@@ -187,8 +299,8 @@ void DuckDBTable::MakeTextOfWhatDoesNotFit() {
     for (std::size_t i = 0; i < doubtful.size(); ++i) {
       std::string_view least;
       std::string_view greatest;
-      chunk.Texts(2 * i, &least);
-      chunk.Texts(2 * i + 1, &greatest);
+      chunk.Texts(2 * i, 0, 1, &least);
+      chunk.Texts(2 * i + 1, 0, 1, &greatest);
       if (FitsDouble(least) && FitsDouble(greatest)) continue;
       fColumns[doubtful[i]].type = FieldType::String;
       fPlans[doubtful[i]].asNumber.clear();
@@ -205,7 +317,7 @@ void DuckDBTable::DescribeJson(const std::vector<DuckDBColumn>& columns) {
     texts.resize(chunk.rows());
     fRowCount += static_cast<std::int64_t>(chunk.rows());
     for (std::size_t column = 0; column < kinds.size(); ++column) {
-      chunk.Texts(column, texts.data());
+      chunk.Texts(column, 0, texts.size(), texts.data());
       for (const std::string_view json : texts) kinds[column].Add(json);
     }
   });
@@ -215,34 +327,28 @@ void DuckDBTable::DescribeJson(const std::vector<DuckDBColumn>& columns) {
   }
 }
 
-void DuckDBTable::Read(const std::vector<bool>& asText, ColumnSink& sink) {
+std::size_t DuckDBTable::ColumnsOfStream(int threads) const {
+  // Each stream parses all of every line.
+  if (fKind == TableFileKind::JsonLines) return fPlans.size();
+  // Each stream looks at all names of columns, but the cells of some hundred columns at a time stay in the cache.
+  constexpr std::size_t kStreams = 8;
+  constexpr std::size_t kFewest = 4;
+  const std::size_t streams = std::max(kStreams, 2 * static_cast<std::size_t>(threads));
+  return std::max(kFewest, (fPlans.size() + streams - 1) / streams);
+}
+
+std::unique_ptr<TableStream> DuckDBTable::Open(const std::vector<StreamColumn>& columns) {
   std::vector<std::string> expressions;
-  std::vector<bool> isText(fPlans.size());
-  for (std::size_t column = 0; column < fPlans.size(); ++column) {
-    isText[column] = asText[column] || fPlans[column].asNumber.empty();
-    expressions.push_back(isText[column] ? fPlans[column].asText : fPlans[column].asNumber);
+  std::vector<FetchedColumn> fetched;
+  for (const StreamColumn& wanted : columns) {
+    const ColumnPlan& plan = fPlans[wanted.column];
+    const bool isText = wanted.asText || plan.asNumber.empty();
+    expressions.push_back(isText ? plan.asText : plan.asNumber);
+    fetched.push_back({isText, plan.native, fColumns[wanted.column].name});
   }
-  std::vector<double> numbers;
-  std::vector<std::string_view> texts;
-  std::int64_t rows = 0;
-  fSession.Run(fmt::format("SELECT {} FROM {}", fmt::join(expressions, ", "), fTable), [&](const DuckDBChunk& chunk) {
-    const std::size_t count = chunk.rows();
-    rows += static_cast<std::int64_t>(count);
-    numbers.resize(count);
-    texts.resize(count);
-    for (std::size_t column = 0; column < fPlans.size(); ++column) {
-      if (isText[column]) {
-        chunk.Texts(column, texts.data());
-        sink.Texts(column, texts.data(), count);
-      } else {
-        chunk.Doubles(column, numbers.data());
-        sink.Numbers(column, numbers.data(), count);
-      }
-    }
-    sink.EndRows(count);
-  });
-  if (rows != fRowCount)
-    throw DataError(fmt::format("{}: {} rows were read of {}; the file changed or is damaged", fPath, rows, fRowCount));
+  return std::make_unique<DuckDBTableStream>(
+      fPath, fSession.Open(fmt::format("SELECT {} FROM {}", fmt::join(expressions, ", "), fTable)), std::move(fetched),
+      fRowCount);
 }
 
 }  // namespace

@@ -31,6 +31,7 @@ void CheckReadable(const std::string& path) {
 }  // namespace
 
 ColumnSink::~ColumnSink() = default;
+TableStream::~TableStream() = default;
 TableSource::~TableSource() = default;
 
 std::string LowerEnding(const std::string& path) {

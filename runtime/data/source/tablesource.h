@@ -1,8 +1,9 @@
-// A table file that is read by an embedded engine: typed columns, handed over in pieces.
+// A table file that is read by an embedded engine: typed columns, some of them at a time.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,16 +20,36 @@ struct SourceColumn {
   FieldType type = FieldType::String;  // never Inferred
 };
 
-/// Takes the cells of a table, column by column, in the order of the rows. Nothing may be kept beyond the call.
+/// Takes the cells of some rows of one column. Nothing may be kept beyond the call.
 class ColumnSink {
  public:
+  static constexpr std::int32_t kNoInteger = std::numeric_limits<std::int32_t>::min();
+
   virtual ~ColumnSink();
+  /// Numbers that are whole and have 31 bits and a sign. kNoInteger: no value.
+  virtual void Integers(const std::int32_t* values, std::size_t count) = 0;
   /// NaN: no value.
-  virtual void Numbers(std::size_t column, const double* values, std::size_t count) = 0;
+  virtual void Numbers(const double* values, std::size_t count) = 0;
   /// An empty text: no value, or an empty one.
-  virtual void Texts(std::size_t column, const std::string_view* texts, std::size_t count) = 0;
-  /// All columns of so many rows have been handed over.
-  virtual void EndRows(std::size_t count) = 0;
+  virtual void Texts(const std::string_view* texts, std::size_t count) = 0;
+};
+
+/// The rows of some columns, piece by piece in their order. One thread at a time. Errors throw DataError.
+class TableStream {
+ public:
+  virtual ~TableStream();
+  /// Turns to the next piece and gives its rows; 0 at the end.
+  virtual std::size_t Next() = 0;
+  /// Hands over `count` cells of the piece from the row `first` on, in one call or several. `column` counts in the
+  /// stream.
+  virtual void Take(std::size_t column, std::size_t first, std::size_t count, ColumnSink& sink) = 0;
+};
+
+/// A column of a stream. `asText` asks for texts also of a column that holds none (numbers as they are written, dates
+/// and times in ISO form, true and false).
+struct StreamColumn {
+  std::size_t column = 0;  // of the table
+  bool asText = false;
 };
 
 /// A file that was opened and whose columns are known. Errors throw DataError that names the file.
@@ -39,9 +60,10 @@ class TableSource {
   const std::vector<SourceColumn>& columns() const { return fColumns; }
   std::int64_t rowCount() const { return fRowCount; }
 
-  /// Reads all rows. `asText` has an entry for each column: true asks for texts also of a column that holds no texts
-  /// (numbers as they are written, dates and times in ISO form, true and false).
-  virtual void Read(const std::vector<bool>& asText, ColumnSink& sink) = 0;
+  /// As many columns as a stream reads best when so many threads read streams of their own.
+  virtual std::size_t ColumnsOfStream(int threads) const = 0;
+  /// Reads all rows of some columns. Several threads may open and read streams at once.
+  virtual std::unique_ptr<TableStream> Open(const std::vector<StreamColumn>& columns) = 0;
 
  protected:
   std::vector<SourceColumn> fColumns;

@@ -1,92 +1,26 @@
 #include "runtime/data/typing/sourcereading.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <memory>
+#include <mutex>
 #include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
 
-#include "runtime/data/store/numericpart.h"
-#include "runtime/data/typing/numbertext.h"
+#include "runtime/data/source/numbercolumn.h"
 #include "runtime/data/typing/unreadablecells.h"
 
 namespace runtime::data {
 
 namespace {
 
-constexpr int kMostDecimals = 16;
-constexpr double kPowersOfTen[kMostDecimals + 1] = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
-                                                    1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
-
-std::string ShortestText(double value) {
-  char text[32];
-  const auto end = std::to_chars(text, text + sizeof text, value).ptr;
-  return {text, end};
-}
-
-/// The decimals of the shortest text that reads back as the value, where they are more than `decimals`.
-int WithDecimalsOf(double value, int decimals) {
-  const double power = kPowersOfTen[decimals];
-  if (decimals == kMostDecimals || std::nearbyint(value * power) / power == value) return decimals;
-  NumberReading reading;
-  ReadNumberText(ShortestText(value), reading);
-  return std::clamp(reading.decimals, decimals, kMostDecimals);
-}
-
-/// Takes the file's numbers as they are.
-class NumberColumn {
- public:
-  NumberColumn(const SourceColumn& column, FieldType type, bool inferred)
-      : fMustBeWhole(type == FieldType::Integer && column.type == FieldType::Number) {
-    fFacts.header = column.name;
-    fFacts.type = type;
-    fFacts.inferred = inferred;
-  }
-
-  void Append(const double* values, std::size_t count) {
-    if (fFacts.type == FieldType::Number)
-      for (std::size_t i = 0; i < count; ++i)
-        if (std::isfinite(values[i])) fFacts.decimals = WithDecimalsOf(values[i], fFacts.decimals);
-    for (std::size_t i = 0; i < count; ++i) fFacts.blankCells += std::isnan(values[i]) ? 1 : 0;
-    if (fMustBeWhole && !std::all_of(values, values + count, [](double v) { return std::trunc(v) == v || v != v; }))
-      AppendWhole(values, count);
-    else
-      fPart.AppendDoubles(values, count);
-    fFacts.rows += static_cast<std::int64_t>(count);
-  }
-
-  const NumericPart& part() const { return fPart; }
-  void EndPart() {
-    fPart.AddFactsTo(fFacts.values);
-    fPart.Clear();
-  }
-  ColumnFacts Finish() { return std::move(fFacts); }
-
- private:
-  void AppendWhole(const double* values, std::size_t count) {
-    std::vector<double> whole(values, values + count);
-    for (std::size_t i = 0; i < count; ++i) {
-      if (std::isnan(whole[i]) || std::trunc(whole[i]) == whole[i]) continue;
-      if (fFacts.unreadable.size() < ColumnFacts::kCellsKept)
-        fFacts.unreadable.push_back(
-            {fFacts.rows + static_cast<std::int64_t>(i) + 1, 0, std::string(), ShortestText(whole[i])});
-      ++fFacts.unreadableCells;
-      whole[i] = std::numeric_limits<double>::quiet_NaN();
-    }
-    fPart.AppendDoubles(whole.data(), count);
-  }
-
-  NumericPart fPart;  // of the group that is being filled
-  ColumnFacts fFacts;
-  bool fMustBeWhole;
-};
+constexpr std::size_t kMostRowsOfGroup = 65'536;
+constexpr std::size_t kFewestRowsOfGroup = 256;
+constexpr std::size_t kCellsOfGroup = std::size_t{4} * 1024 * 1024;  // of all columns of the table
 
 /// Whether the file's own numbers serve for a declared type.
 bool NumbersServe(FieldType ofFile, FieldType declared) {
@@ -95,104 +29,144 @@ bool NumbersServe(FieldType ofFile, FieldType declared) {
   return declared == FieldType::Integer && ofFile == FieldType::Number;
 }
 
-constexpr std::size_t kMostRowsOfGroup = 65'536;
-constexpr std::size_t kFewestRowsOfGroup = 256;
-constexpr std::size_t kCellsOfGroup = std::size_t{4} * 1024 * 1024;
-
-class TypingSink : public ColumnSink {
+/// A column that is being read: its numbers as the file has them, or its texts, to be read by a plan.
+class ReadColumn : public ColumnSink {
  public:
-  TypingSink(const std::vector<SourceColumn>& columns, const std::vector<ColumnPlan>& plans,
-             const std::shared_ptr<ColumnMemory>& memory)
-      : fGroups(std::make_shared<RowGroups>(memory)),
-        fRowsOfGroup(std::clamp(kCellsOfGroup / columns.size(), kFewestRowsOfGroup, kMostRowsOfGroup)) {
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      const bool inferred = plans[i].dialect.type == FieldType::Inferred;
-      const FieldType type = inferred ? columns[i].type : plans[i].dialect.type;
-      Column& column = fColumns.emplace_back();
-      if (type != FieldType::String && NumbersServe(columns[i].type, type)) {
-        column.numbers = std::make_unique<NumberColumn>(columns[i], type, inferred);
-        continue;
-      }
-      column.typer = inferred ? MakeTextTyper(columns[i].name) : MakeColumnTyper(plans[i], columns[i].name);
-      column.piece = column.typer->NewPiece();
+  ReadColumn(const SourceColumn& column, const ColumnPlan& plan) {
+    const bool inferred = plan.dialect.type == FieldType::Inferred;
+    const FieldType type = inferred ? column.type : plan.dialect.type;
+    if (type != FieldType::String && NumbersServe(column.type, type)) {
+      fNumbers = std::make_unique<NumberColumn>(column, type, inferred);
+      return;
     }
+    fTyper = inferred ? MakeTextTyper(column.name) : MakeColumnTyper(plan, column.name);
+    fPiece = fTyper->NewPiece();
   }
 
-  std::vector<bool> AsText() const {
-    std::vector<bool> asText;
-    for (const Column& column : fColumns) asText.push_back(column.typer != nullptr);
-    return asText;
-  }
+  bool isText() const { return fTyper != nullptr; }
 
-  void Numbers(std::size_t column, const double* values, std::size_t count) override {
-    fColumns[column].numbers->Append(values, count);
-  }
-
-  void Texts(std::size_t column, const std::string_view* texts, std::size_t count) override {
-    fCells.clear();
-    for (std::uint32_t cell = 0; cell < count; ++cell) fCells.push_back({cell, Cell::kOwnText});
+  void Integers(const std::int32_t* values, std::size_t count) override { fNumbers->Append(values, count); }
+  void Numbers(const double* values, std::size_t count) override { fNumbers->Append(values, count); }
+  void Texts(const std::string_view* texts, std::size_t count) override {
+    for (auto cell = static_cast<std::uint32_t>(fCells.size()); cell < count; ++cell)
+      fCells.push_back({cell, Cell::kOwnText});
     CellBlock block;
     block.cells = fCells.data();
     block.ownTexts = texts;
     block.columns = 1;
     block.stride = 1;
     block.rows = count;
-    block.firstRow = static_cast<std::int64_t>(fRowsInGroup);
-    fColumns[column].piece->Append(block, 0);
+    block.firstRow = static_cast<std::int64_t>(fPiece->rows());
+    fPiece->Append(block, 0);
   }
 
-  void EndRows(std::size_t count) override {
-    fRowsInGroup += count;
-    if (fRowsInGroup >= fRowsOfGroup) CloseGroup();
+  /// Ends the rows of a group; cells and storage are theirs until they are stored.
+  void EndGroup() {
+    if (fPiece) fPiece->End();
+  }
+  ColumnStorage storage() const { return fPiece ? fPiece->storage() : fNumbers->part().storage(); }
+  /// Moves the cells to where they stay. `rowsBefore`: of the groups before.
+  void Store(std::byte* cells, std::size_t rows, std::int64_t rowsBefore) {
+    std::memcpy(cells, fPiece ? fPiece->cells() : fNumbers->part().cells(), rows * BytesPerCell(storage()));
+    if (!fPiece) return fNumbers->EndPart();
+    fTyper->Join(*fPiece, {rowsBefore, 0}, cells);
+    fPiece->Clear();
   }
 
-  std::vector<TypedColumn> Finish() {
-    CloseGroup();
-    std::vector<TypedColumn> columns;
-    for (std::size_t i = 0; i < fColumns.size(); ++i) {
-      const Column& column = fColumns[i];
-      columns.push_back({{fGroups, i, column.typer ? column.typer->strings() : nullptr},
-                         column.typer ? column.typer->Finish() : column.numbers->Finish()});
-    }
-    return columns;
+  std::shared_ptr<const StringTable> strings() const { return fTyper ? fTyper->strings() : nullptr; }
+  ColumnFacts Finish() { return fTyper ? fTyper->Finish() : fNumbers->facts(); }
+
+ private:
+  // Either the numbers, or the typer and the piece that is being filled.
+  std::unique_ptr<NumberColumn> fNumbers;
+  std::unique_ptr<ColumnTyper> fTyper;
+  std::unique_ptr<ColumnPiece> fPiece;
+  std::vector<Cell> fCells;  // places of texts, the same for each call
+};
+
+/// How far the reading of all columns is; what the threads that read share.
+class SharedReading {
+ public:
+  SharedReading(const TableSource& table, const ReadingOptions& options)
+      : fCells(static_cast<double>(table.rowCount()) * static_cast<double>(table.columns().size())),
+        fRows(table.rowCount()),
+        fOptions(options) {}
+
+  /// Takes in the next group of some columns. Throws SpillError.
+  void Append(RowGroups& groups, RowGroup group) {
+    const std::lock_guard<std::mutex> lock(fMutex);
+    fCellsRead += static_cast<double>(group.rows()) * static_cast<double>(group.columns());
+    groups.Append(std::move(group));  // counts the memory of all groups
+    if (!fOptions.manner.onProgress || fCells <= 0.0) return;
+    const double share = std::min(1.0, fCellsRead / fCells);
+    fOptions.manner.onProgress({static_cast<std::int64_t>(share * static_cast<double>(fRows)), share});
   }
 
  private:
-  /// Of each column either its numbers or its typer and the piece that is being filled.
-  struct Column {
-    std::unique_ptr<NumberColumn> numbers;
-    std::unique_ptr<ColumnTyper> typer;
-    std::unique_ptr<ColumnPiece> piece;
-  };
+  double fCells;
+  std::int64_t fRows;
+  const ReadingOptions& fOptions;
+  std::mutex fMutex;
+  double fCellsRead = 0.0;
+};
 
-  void CloseGroup() {
-    RowGroup group(fRowsInGroup);
-    for (const Column& column : fColumns) {
-      if (column.piece) column.piece->End();
-      group.AddColumn(column.piece ? column.piece->storage() : column.numbers->part().storage());
-    }
-    group.Allocate();
-    for (std::size_t i = 0; i < fColumns.size() && fRowsInGroup > 0; ++i) {
-      Column& column = fColumns[i];
-      const std::byte* const cells = column.piece ? column.piece->cells() : column.numbers->part().cells();
-      const ColumnStorage storage = column.piece ? column.piece->storage() : column.numbers->part().storage();
-      std::memcpy(group.Cells(i), cells, fRowsInGroup * BytesPerCell(storage));
-      if (column.piece) {
-        column.typer->Join(*column.piece, {fGroups->rows(), 0}, group.Cells(i));
-        column.piece->Clear();
-      } else {
-        column.numbers->EndPart();
-      }
-    }
-    fGroups->Append(std::move(group));
-    fRowsInGroup = 0;
+/// Reads some neighbouring columns, from a stream of their own into groups of their own. The groups of all columns of a
+/// table have the same rows.
+class ColumnsReading {
+ public:
+  /// REQUIRES: first < end.
+  ColumnsReading(TableSource& table, const std::vector<ColumnPlan>& plans, std::size_t first, std::size_t end,
+                 const ReadingOptions& options)
+      : fTable(table),
+        fFirst(first),
+        fGroups(std::make_shared<RowGroups>(options.memory)),
+        fRowsOfGroup(std::clamp(kCellsOfGroup / table.columns().size(), kFewestRowsOfGroup, kMostRowsOfGroup)) {
+    for (std::size_t column = first; column < end; ++column)
+      fColumns.push_back(std::make_unique<ReadColumn>(table.columns()[column], plans[column]));
   }
 
-  std::vector<Column> fColumns;
+  void Run(SharedReading& shared) {
+    std::vector<StreamColumn> wanted;
+    for (std::size_t i = 0; i < fColumns.size(); ++i) wanted.push_back({fFirst + i, fColumns[i]->isText()});
+    const std::unique_ptr<TableStream> stream = fTable.Open(wanted);
+    std::size_t rowsInGroup = 0;
+    while (const std::size_t count = stream->Next()) {
+      for (std::size_t first = 0; first < count;) {
+        const std::size_t taken = std::min(count - first, fRowsOfGroup - rowsInGroup);
+        for (std::size_t i = 0; i < fColumns.size(); ++i) stream->Take(i, first, taken, *fColumns[i]);
+        first += taken;
+        rowsInGroup += taken;
+        if (rowsInGroup < fRowsOfGroup) continue;
+        CloseGroup(rowsInGroup, shared);
+        rowsInGroup = 0;
+      }
+    }
+    if (rowsInGroup > 0) CloseGroup(rowsInGroup, shared);
+  }
+
+  /// After Run.
+  void AppendTo(std::vector<TypedColumn>& columns) const {
+    for (std::size_t i = 0; i < fColumns.size(); ++i)
+      columns.push_back({{fGroups, i, fColumns[i]->strings()}, fColumns[i]->Finish()});
+  }
+
+ private:
+  void CloseGroup(std::size_t rows, SharedReading& shared) {
+    RowGroup group(rows);
+    for (const auto& column : fColumns) {
+      column->EndGroup();
+      group.AddColumn(column->storage());
+    }
+    group.Allocate();
+    for (std::size_t i = 0; i < fColumns.size(); ++i) fColumns[i]->Store(group.Cells(i), rows, fGroups->rows());
+    shared.Append(*fGroups, std::move(group));
+  }
+
+  TableSource& fTable;
+  std::size_t fFirst;
+  std::vector<std::unique_ptr<ReadColumn>> fColumns;
   std::shared_ptr<RowGroups> fGroups;
   std::size_t fRowsOfGroup;
-  std::size_t fRowsInGroup = 0;
-  std::vector<Cell> fCells;
 };
 
 }  // namespace
@@ -202,11 +176,22 @@ TypedTable ReadSource(TableSource& table, const std::vector<ColumnPlan>& plans, 
   if (table.rowCount() > kMostCases)
     throw DataError(fmt::format("{}: the data has {} cases, and more than {} cannot be worked with; split the file",
                                 source, table.rowCount(), kMostCases));
-  TypingSink sink(table.columns(), plans, options.memory);
-  table.Read(sink.AsText(), sink);
+  machine::ThreadPool* const pool = options.manner.pool;
+  const std::size_t atOnce = table.ColumnsOfStream(pool ? pool->threads() : 1);
+  std::vector<std::unique_ptr<ColumnsReading>> readings;
+  for (std::size_t first = 0; first < table.columns().size(); first += atOnce)
+    readings.push_back(std::make_unique<ColumnsReading>(table, plans, first,
+                                                        std::min(first + atOnce, table.columns().size()), options));
+  SharedReading shared(table, options);
+  const auto run = [&](std::size_t reading) { readings[reading]->Run(shared); };
+  if (pool)
+    pool->ForEach(readings.size(), run);
+  else
+    for (std::size_t reading = 0; reading < readings.size(); ++reading) run(reading);
+
   TypedTable read;
-  read.columns = sink.Finish();
   read.rows = table.rowCount();
+  for (const auto& reading : readings) reading->AppendTo(read.columns);
   std::vector<const ColumnFacts*> facts;
   for (const TypedColumn& column : read.columns) facts.push_back(&column.facts);
   ReportUnreadableCells(source, facts, options.strict, notes);

@@ -1,5 +1,6 @@
 #include "runtime/data/source/tablesource.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "runtime/machine/threadpool.h"
 #include "tests/unit/data/dictionary/described.h"
 #ifdef CODEBOOK_HAVE_DUCKDB
 #include "runtime/data/source/duckdbsession.h"
@@ -47,25 +49,40 @@ struct Cells {
 
 class Collector : public ColumnSink {
  public:
-  explicit Collector(std::vector<Cells>& columns) : fColumns(columns) {}
-  void Numbers(std::size_t column, const double* values, std::size_t count) override {
-    for (std::size_t i = 0; i < count; ++i) fColumns[column].cells.push_back(fmt::format("{}", values[i]));
+  explicit Collector(Cells& column) : fColumn(column) {}
+  void Integers(const std::int32_t* values, std::size_t count) override {
+    for (std::size_t i = 0; i < count; ++i)
+      fColumn.cells.push_back(values[i] == kNoInteger ? "nan" : std::to_string(values[i]));
   }
-  void Texts(std::size_t column, const std::string_view* texts, std::size_t count) override {
-    for (std::size_t i = 0; i < count; ++i) fColumns[column].cells.emplace_back(texts[i]);
+  void Numbers(const double* values, std::size_t count) override {
+    for (std::size_t i = 0; i < count; ++i) fColumn.cells.push_back(fmt::format("{}", values[i]));
   }
-  void EndRows(std::size_t) override {}
+  void Texts(const std::string_view* texts, std::size_t count) override {
+    for (std::size_t i = 0; i < count; ++i) fColumn.cells.emplace_back(texts[i]);
+  }
 
  private:
-  std::vector<Cells>& fColumns;
+  Cells& fColumn;
 };
 
+/// All pieces are taken in two, of which the first has an odd number of rows.
 std::vector<Cells> ReadFile(const std::string& path, bool asText = false) {
   const auto source = OpenTableFile(path, 2);
   std::vector<Cells> columns;
-  for (const SourceColumn& column : source->columns()) columns.push_back({column, {}});
-  Collector collector(columns);
-  source->Read(std::vector<bool>(columns.size(), asText), collector);
+  std::vector<StreamColumn> wanted;
+  for (const SourceColumn& column : source->columns()) {
+    wanted.push_back({columns.size(), asText});
+    columns.push_back({column, {}});
+  }
+  const auto stream = source->Open(wanted);
+  while (const std::size_t rows = stream->Next()) {
+    const std::size_t seam = rows / 3 | 1;
+    for (std::size_t column = 0; column < columns.size(); ++column) {
+      Collector collector(columns[column]);
+      stream->Take(column, 0, std::min(seam, rows), collector);
+      if (seam < rows) stream->Take(column, seam, rows - seam, collector);
+    }
+  }
   for (const Cells& column : columns) EXPECT_EQ(static_cast<std::int64_t>(column.cells.size()), source->rowCount());
   return columns;
 }
@@ -214,6 +231,87 @@ TEST_F(TableFiles, parquetWithoutRowsHasColumns) {
   EXPECT_EQ(columns[0].column.type, FieldType::Integer);
 }
 
+TEST_F(TableFiles, wholeNumbersOfEveryWidthKeepTheirValues) {
+  const std::string path = fFolder.Path("t.parquet");
+  WriteParquet(path, R"(SELECT * FROM (VALUES
+      ((-128)::TINYINT, 255::UTINYINT, (-32768)::SMALLINT, 65535::USMALLINT, (-2147483648)::INTEGER, 4294967295::UINTEGER,
+       (-9007199254740992)::BIGINT, 9007199254740992::UBIGINT, 2147483648::BIGINT, 1.25::DECIMAL(4,2), 1.125::DECIMAL(9,3),
+       123456789012.345::DECIMAL(15,3), 7::DECIMAL(18,0)),
+      (127, 0, 32767, 0, 2147483647, 0, 9007199254740992, 0, -2147483648, -99.99, 0.001, 0.5, -7),
+      (NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL)) t)");
+  const auto columns = ReadFile(path);
+  std::vector<std::vector<std::string>> cells;
+  for (const Cells& column : columns) cells.push_back(column.cells);
+  EXPECT_THAT(cells,
+              ElementsAre(ElementsAre("-128", "127", "nan"), ElementsAre("255", "0", "nan"),
+                          ElementsAre("-32768", "32767", "nan"), ElementsAre("65535", "0", "nan"),
+                          ElementsAre("-2147483648", "2147483647", "nan"), ElementsAre("4294967295", "0", "nan"),
+                          ElementsAre("-9007199254740992", "9007199254740992", "nan"),
+                          ElementsAre("9007199254740992", "0", "nan"), ElementsAre("2147483648", "-2147483648", "nan"),
+                          ElementsAre("1.25", "-99.99", "nan"), ElementsAre("1.125", "0.001", "nan"),
+                          ElementsAre("123456789012.345", "0.5", "nan"), ElementsAre("7", "-7", "nan")));
+}
+
+TEST_F(TableFiles, momentsOfEveryUnitAreSecondsAndInfiniteOnesNoValues) {
+  const std::string path = fFolder.Path("t.parquet");
+  WriteParquet(path, R"(SELECT * FROM (VALUES
+      (TIMESTAMP '1969-12-31 23:59:58.5', TIMESTAMP_S '1970-01-01 00:00:02', TIMESTAMP_MS '1970-01-01 00:00:00.25',
+       TIMESTAMP_NS '1970-01-01 00:00:00.000000125', DATE '1969-12-31'),
+      (TIMESTAMP 'infinity', NULL, NULL, NULL, DATE 'infinity'),
+      (TIMESTAMP '-infinity', NULL, NULL, NULL, DATE '-infinity')) t(u, s, m, n, d))");
+  const auto columns = ReadFile(path);
+  std::vector<std::vector<std::string>> cells;
+  for (const Cells& column : columns) cells.push_back(column.cells);
+  EXPECT_THAT(cells, ElementsAre(ElementsAre("-1.5", "nan", "nan"), ElementsAre("2", "nan", "nan"),
+                                 ElementsAre("0.25", "nan", "nan"), ElementsAre("1.25e-07", "nan", "nan"),
+                                 ElementsAre("-86400", "nan", "nan")));
+}
+
+TEST_F(TableFiles, nullsStandWhereTheyStoodInEveryPiece) {
+  const std::string path = fFolder.Path("t.parquet");
+  WriteParquet(path,
+               "SELECT CASE WHEN hash(i) % 3 = 0 THEN NULL ELSE i END AS n, CASE WHEN hash(i) % 5 = 0 THEN NULL ELSE i "
+               "/ 4 END AS d, i AS row, hash(i) % 3 = 0 AS noN, hash(i) % 5 = 0 AS noD FROM range(10000) t(i)");
+  const auto columns = ReadFile(path);
+  ASSERT_EQ(columns[0].cells.size(), 10000U);
+  for (std::size_t row = 0; row < 10000; ++row) {
+    ASSERT_EQ(columns[0].cells[row], columns[3].cells[row] == "1" ? "nan" : columns[2].cells[row]) << row;
+    ASSERT_EQ(columns[1].cells[row],
+              columns[4].cells[row] == "1" ? "nan" : fmt::format("{}", static_cast<double>(row) / 4))
+        << row;
+  }
+}
+
+TEST_F(TableFiles, oneLargeNumberAnywhereMakesAColumnTextAlsoBesideColumnsOfParts) {
+  const std::string select =
+      "CASE WHEN i = 150000 THEN 9007199254740993 ELSE i END AS large, i AS small FROM range(300000) t(i)";
+  const std::string flat = fFolder.Path("flat.parquet");
+  WriteParquet(flat, "SELECT " + select);
+  const std::string nested = fFolder.Path("nested.parquet");
+  WriteParquet(nested, "SELECT {'a': 1, 'b': 9007199254740993} AS parts, " + select);
+  for (const std::string& path : {flat, nested}) {
+    const auto source = OpenTableFile(path, 1);
+    const std::size_t columns = source->columns().size();
+    EXPECT_EQ(source->columns()[columns - 2].type, FieldType::String) << path;
+    EXPECT_EQ(source->columns()[columns - 1].type, FieldType::Integer) << path;
+  }
+}
+
+TEST_F(TableFiles, streamsOfOneFileMayBeReadAtTheSameTime) {
+  const std::string path = fFolder.Path("t.parquet");
+  WriteParquet(path, "SELECT i AS a, i::VARCHAR AS b, -i AS c, i / 2 AS d FROM range(200000) t(i)");
+  const auto whole = ReadFile(path);
+  const auto source = OpenTableFile(path, 2);
+  std::vector<Cells> columns(4);
+  machine::ThreadPool pool(2);
+  pool.ForEach(4, [&](std::size_t column) {
+    const auto stream = source->Open({{column, false}});
+    Collector collector(columns[column]);
+    while (const std::size_t rows = stream->Next()) stream->Take(0, 0, rows, collector);
+  });
+  for (std::size_t column = 0; column < 4; ++column) EXPECT_EQ(columns[column].cells, whole[column].cells);
+}
+
 TEST_F(TableFiles, damagedParquetStopsWithAnError) {
   const std::string path = fFolder.Path("t.parquet");
   WriteParquet(path, "SELECT i, md5(i::VARCHAR) AS s FROM range(100000) t(i)");
@@ -247,7 +345,7 @@ TEST(DuckDBSession, keepsTheSettingsThatKeepItOffline) {
     std::string value;
     session.Run("SELECT current_setting('" + name + "')::VARCHAR", [&](const DuckDBChunk& chunk) {
       std::string_view text;
-      chunk.Texts(0, &text);
+      chunk.Texts(0, 0, 1, &text);
       value = text;
     });
     return value;
@@ -257,6 +355,7 @@ TEST(DuckDBSession, keepsTheSettingsThatKeepItOffline) {
   EXPECT_EQ(setting("enable_external_access"), "false");
   EXPECT_EQ(setting("preserve_insertion_order"), "true");
   EXPECT_EQ(setting("threads"), "1");
+  EXPECT_EQ(setting("temp_directory"), "");
 }
 
 TEST(DuckDBSession, anErrorInTheMiddleOfAResultIsNoEnd) {
