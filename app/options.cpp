@@ -193,6 +193,8 @@ Options ReadOptions(int argc, const char* const* argv) {
   cli.add_option("--chunk-rows", options.data.chunkRows, "cases counted at a time; changes no result")
       ->check(CLI::Range(1, 1 << 30))
       ->group("For tests");
+  std::size_t segmentBytes = 0;
+  cli.add_option("--segment-bytes", segmentBytes, "text read at a time; changes no result")->group("For tests");
 
   try {
     cli.parse(argc, argv);
@@ -221,6 +223,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   if (widthOption->count() > 0) options.width = width;
   if (memoryOption->count() > 0) LimitMemory(memoryLimit, options);
   options.timing = ReadTimingForm(timing);
+  if (segmentBytes > 0) options.data.segmentBytes = segmentBytes;
   options.format = ChooseFormat(format, options.outputFile);
   Check(options);
   return options;

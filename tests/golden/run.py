@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Replays the golden cases and compares what the program says with what stands in them.
 
-Each case is run from every kind of data file, with one and two threads and with cases counted one, three and many at a
-time: status, messages and report must always be those of the case file. --update writes what the program says into
+Each case is run from every kind of data file, with one and two threads and with text read and cases counted in small and
+large portions: status, messages and report must always be those of the case file. --update writes what the program says into
 the case files, after showing the difference: to be read line by line before it is believed."""
 
 import argparse
@@ -21,7 +21,8 @@ from parquet import ParquetWriter
 from reportdump import as_text, dump_report
 
 THREADS = ("1", "2")
-CHUNK_ROWS = ("1", "3", None)
+# Cases that are counted at a time, and bytes of text that are read at a time.
+PORTIONS = (("1", "1"), ("3", "40"), (None, None))
 SECONDS_A_RUN = 60
 
 
@@ -30,9 +31,9 @@ class Runner:
         self.program = os.path.abspath(program)
         self.parquet = ParquetWriter(duckdb) if duckdb else None
         # A slow build shows each source, each number of threads and each chunk size once rather than all together.
-        self.settings = list(itertools.product(THREADS, CHUNK_ROWS))
+        self.settings = list(itertools.product(THREADS, PORTIONS))
         if quick:
-            self.settings = [("1", None), ("2", "3")]
+            self.settings = [("1", (None, None)), ("2", ("3", "40"))]
 
     def kinds(self, case):
         possible = datafiles.ALL if self.parquet else datafiles.WITHOUT_DUCKDB
@@ -42,11 +43,12 @@ class Runner:
             raise CaseError(f"{case.path}: there is no source {', '.join(sorted(unknown))}; sources: {' '.join(datafiles.ALL)}")
         return [kind for kind in wanted if kind in possible]
 
-    def outcome(self, case, folder, data, threads, chunk_rows):
+    def outcome(self, case, folder, data, threads, portions):
         """What the program says to the case, in the notation of the case file."""
         command = [self.program, data, "-F", "json", "-c", case.command(), "--threads", threads, *case.options()]
+        chunk_rows, segment_bytes = portions
         if chunk_rows:
-            command += ["--chunk-rows", chunk_rows]
+            command += ["--chunk-rows", chunk_rows, "--segment-bytes", segment_bytes]
         done = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, timeout=SECONDS_A_RUN, check=False)
         out, err = (normalised(text.decode("utf-8"), folder, data) for text in (done.stdout, done.stderr))
         if out:
@@ -69,9 +71,9 @@ class Runner:
                 if case.dictionary() is not None:
                     with open(os.path.join(folder, "data.schema.json"), "w", encoding="utf-8") as file:
                         file.write(case.dictionary())
-                for threads, chunk_rows in self.settings:
-                    name = f"{kind}, {threads} threads, chunks of {chunk_rows or 'all'} rows"
-                    yield name, self.outcome(case, folder, data, threads, chunk_rows)
+                for threads, portions in self.settings:
+                    name = f"{kind}, {threads} threads, chunks of {portions[0] or 'all'} rows"
+                    yield name, self.outcome(case, folder, data, threads, portions)
 
 
 def normalised(text, folder, data):

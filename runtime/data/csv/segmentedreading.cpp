@@ -108,7 +108,7 @@ void SegmentedReading::ReadSegment(SegmentReader& reader, std::size_t segment) c
   const CsvPart& part = fParts[wanted.part];
   const bool isFirst = wanted.begin == part.header.rowsBegin;
   const std::string_view text = part.input->text();
-  const std::size_t begin = isFirst ? wanted.begin : GuessRecordBegin(text, wanted.begin - 1);
+  const std::size_t begin = isFirst ? wanted.begin : GuessRecordBegin(text.substr(0, wanted.end), wanted.begin - 1);
   reader.Read(part, std::min(begin, text.size()), wanted.end, isFirst);
 }
 
