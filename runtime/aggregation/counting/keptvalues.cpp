@@ -54,8 +54,13 @@ KeptValues::Place KeptValues::next(bool weighted) const {
 }
 
 void KeptValues::Written(std::size_t count, double above) {
+  if (count == 0) return;
   TakeExtremes(fOpen.cells.get() + fOpen.count, count, fLowest, fHighest);
   fAboveWeights = std::max(fAboveWeights, above);
+  if (this->count() + count > fNextSample && fSample.size() < kMostSample) {
+    fSample.push_back(fOpen.cells[fOpen.count]);
+    fNextSample = this->count() + kSampleStep;
+  }
   fOpen.count += count;
 }
 

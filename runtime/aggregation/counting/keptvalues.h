@@ -73,6 +73,8 @@ class KeptValues {
   bool hasWeights() const { return fOpen.weighted; }
   /// A bound, above 1, that no weight reaches.
   double aboveWeights() const { return fAboveWeights; }
+  /// Some of the values, from all over the first few hundred thousand.
+  const std::vector<double>& sample() const { return fSample; }
   /// Calls visit(block) for the blocks, in order. What a block points to stays only until visit returns. Throws
   /// machine::SpillError.
   template <class Visit>
@@ -93,6 +95,8 @@ class KeptValues {
   void WriteOpen();
   Block ReadBack(const Stored& block, std::vector<double>& buffer) const;
 
+  static constexpr std::size_t kMostSample = 1024;
+  static constexpr std::uint64_t kSampleStep = 256;
   static constexpr std::size_t kFirstRoom = 256;
   static constexpr std::size_t kLargestRoom = 32768;
   static constexpr std::size_t kLargestRoomOfOne = 4096;  // where blocks are not kept
@@ -104,6 +108,8 @@ class KeptValues {
   double fLowest = std::numeric_limits<double>::infinity();
   double fHighest = -std::numeric_limits<double>::infinity();
   double fAboveWeights = 2.0;
+  std::vector<double> fSample;
+  std::uint64_t fNextSample = 0;  // number of the value that is next put into the sample, or one behind it
 };
 
 template <class Visit>

@@ -19,6 +19,8 @@ constexpr std::size_t kMostBucketsOfCases = 2048;  // without weights; what fits
 constexpr std::size_t kSmallRange = 96;
 // Values taken out of their blocks at most: 16 MB with their weights.
 constexpr std::size_t kMostTakenOut = std::size_t{1} << 20;
+// So many values show which map parts them better.
+constexpr std::size_t kSample = 256;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// The place of a finite double in the order of all doubles.
@@ -199,6 +201,8 @@ class Selector {
 
   void Select(Range range, const TakenOut* taken, std::span<Target> targets);
   template <class Map>
+  std::size_t FullestBucket(const Map& map, const Range& range, const TakenOut* taken) const;
+  template <class Map>
   void SelectBy(const Map& map, const Range& range, const TakenOut* taken, std::span<Target> targets);
   template <class Map>
   void FillBuckets(const Map& map, const Range& range, const TakenOut* taken);
@@ -232,15 +236,30 @@ void Selector<Arithmetic>::Select(Range range, const TakenOut* taken, std::span<
   }
   const std::size_t most = fArithmetic.hasWeights() ? Arithmetic::kMostBuckets : kMostBucketsOfCases;
   fBuckets = std::clamp(std::bit_floor(static_cast<std::size_t>(range.count / 8)), kFewestBuckets, most);
-  const double scale = static_cast<double>(fBuckets - 1) / (range.high - range.low);
-  if (!range.byKey && std::isnormal(scale)) {
-    SelectBy(LinearMap{range.low, scale}, range, taken, targets);
-    return;
-  }
   const std::uint64_t low = KeyOf(range.low);
   const int bits = static_cast<int>(std::bit_width(KeyOf(range.high) - low));
-  const int bitsOfBucket = static_cast<int>(std::countr_zero(fBuckets));
-  SelectBy(KeyMap{low, std::max(0, bits - bitsOfBucket)}, range, taken, targets);
+  const KeyMap byKey{low, std::max(0, bits - static_cast<int>(std::countr_zero(fBuckets)))};
+  const double scale = static_cast<double>(fBuckets - 1) / (range.high - range.low);
+  const LinearMap linear{range.low, scale};
+  if (range.byKey || !std::isnormal(scale) ||
+      2 * FullestBucket(byKey, range, taken) < FullestBucket(linear, range, taken))
+    SelectBy(byKey, range, taken, targets);
+  else
+    SelectBy(linear, range, taken, targets);
+}
+
+/// How many values of a sample a map puts into one bucket.
+template <class Arithmetic>
+template <class Map>
+std::size_t Selector<Arithmetic>::FullestBucket(const Map& map, const Range& range, const TakenOut* taken) const {
+  static const std::vector<double> kNone;
+  const std::vector<double>& values = taken != nullptr ? taken->values : fKept != nullptr ? fKept->sample() : kNone;
+  const std::size_t step = std::max<std::size_t>(1, values.size() / kSample);
+  std::vector<std::uint16_t> buckets(fBuckets);
+  std::uint16_t fullest = 0;
+  for (std::size_t i = 0; i < values.size(); i += step)
+    if (values[i] >= range.low && values[i] <= range.high) fullest = std::max(fullest, ++buckets[map(values[i])]);
+  return fullest;
 }
 
 template <class Arithmetic>
