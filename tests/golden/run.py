@@ -22,7 +22,7 @@ from reportdump import as_text, dump_report
 
 THREADS = ("1", "2")
 # Cases that are counted at a time, and bytes of text that are read at a time.
-PORTIONS = (("1", "1"), ("3", "40"), (None, None))
+PORTIONS = (("1", "300"), ("3", "2000"), (None, None))
 SECONDS_A_RUN = 60
 
 
@@ -33,7 +33,7 @@ class Runner:
         # A slow build shows each source, each number of threads and each chunk size once rather than all together.
         self.settings = list(itertools.product(THREADS, PORTIONS))
         if quick:
-            self.settings = [("1", (None, None)), ("2", ("3", "40"))]
+            self.settings = [("1", (None, None)), ("2", ("3", "2000"))]
 
     def kinds(self, case):
         possible = datafiles.ALL if self.parquet else datafiles.WITHOUT_DUCKDB
