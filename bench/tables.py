@@ -135,7 +135,7 @@ def goals(settings: List[Setting], pairs: List[TwoThreads]) -> str:
 def verdict(found: Optional[float], bound: float) -> str:
     if found is None:
         return "–"
-    return f"{significant(found, 2)} {'kept' if found <= bound else '**missed**'}"
+    return f"{significant(found)} {'kept' if found <= bound else '**missed**'}"
 
 
 def stages(settings: List[Setting]) -> str:

@@ -267,8 +267,8 @@ class Reference(unittest.TestCase):
 
 class Tables(unittest.TestCase):
     def test_aGoalIsKeptUpToItsBoundAndMissedBeyond(self):
-        self.assertEqual(tables.verdict(0.8, 0.8), "0.80 kept")
-        self.assertEqual(tables.verdict(0.8001, 0.8), "0.80 **missed**")
+        self.assertEqual(tables.verdict(0.8, 0.8), "0.800 kept")
+        self.assertEqual(tables.verdict(0.801, 0.8), "0.801 **missed**")
         self.assertEqual(tables.verdict(None, 0.8), "–")
 
     def test_numbersHaveTheirDigits(self):
@@ -300,7 +300,7 @@ class Tables(unittest.TestCase):
                 setting.shape = shapes.Shape(name, 1000, 1, Path(folder))
                 setting.shape.dictionary.write_text('{"fields": [{"name": "a", "type": "integer"}]}')
                 line = tables.goals([setting], []).splitlines()[2]
-                self.assertEqual(line, f"| CSV, dictionary: CPU at most 1/7 (X: 1/5) of SUMMARIZE | 0.17 {word} |")
+                self.assertEqual(line, f"| CSV, dictionary: CPU at most 1/7 (X: 1/5) of SUMMARIZE | 0.167 {word} |")
 
     def test_memoryIsBoundByTheCompactColumns(self):
         with tempfile.TemporaryDirectory() as folder:
