@@ -1,4 +1,9 @@
 // The one pass over the cases.
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
 #include "codebook/cbkstatistics.h"
 
 namespace codebook {
@@ -10,7 +15,50 @@ struct PassItem {
   AggregationTable* table;
   const TableDimension* dimension;  // null for a scale item and an item without descriptor
   bool counted;                     // the item's bit of hasStatistics
+  std::size_t index;                // of the item
 };
+
+/// One of the first cases: until more than maxCategories of them were seen no dimension can have met more values, and
+/// nothing is asked. Whether any item still wants cases.
+bool TakeEarlyCase(std::vector<PassItem>& items, int caseIndex, int maxCategories) {
+  bool wanted = false;
+  for (PassItem& item : items) {
+    if (item.dimension == nullptr) {
+      item.table->AddNewCase();
+      wanted = true;
+      continue;
+    }
+    if (!item.counted) continue;
+    if (caseIndex <= maxCategories) {
+      item.table->AddNewCase();
+      wanted = true;
+    }
+    const int seen = wanted ? caseIndex + 1 : caseIndex;
+    if (seen <= maxCategories) continue;
+    // Asked before this case is added: a value first met on the very last case is kept.
+    if (item.dimension->GetNumberOfValues() > maxCategories) {
+      item.counted = false;
+      continue;
+    }
+    wanted = true;
+    if (caseIndex != maxCategories) item.table->AddNewCase();
+  }
+  return wanted;
+}
+
+/// Any later case. Whether a dimension has met more than maxCategories values and its item drops out.
+bool TakeLaterCase(std::vector<PassItem>& items, int maxCategories) {
+  bool dropped = false;
+  for (PassItem& item : items) {
+    if (item.dimension != nullptr && item.dimension->GetNumberOfValues() > maxCategories) {
+      item.counted = false;
+      dropped = true;
+      continue;
+    }
+    item.table->AddNewCase();
+  }
+  return dropped;
+}
 
 }  // namespace
 
@@ -23,42 +71,34 @@ int VariableStatistics::PassCases(int maxCategories) {
   for (std::size_t i = 0; i < fTables.size(); ++i) {
     AggregationTable* table = fTables[i].get();
     const bool isCategorical = fItemVariables[i] != nullptr;
-    items.push_back({table, isCategorical ? table->GetTableMetaData()->GetDimension(0) : nullptr, fHasStatistics[i]});
+    items.push_back(
+        {table, isCategorical ? table->GetTableMetaData()->GetDimension(0) : nullptr, fHasStatistics[i], i});
   }
+  const auto removeDropped = [&] {
+    for (const PassItem& item : items)
+      if (!item.counted && item.dimension != nullptr) fHasStatistics[item.index] = false;
+    items.erase(std::remove_if(items.begin(), items.end(),
+                               [](const PassItem& item) { return !item.counted && item.dimension != nullptr; }),
+                items.end());
+  };
 
   int caseIndex = 0;
   bool wanted = true;
   while (wanted) {
     if (!iterator.SplitGroupEnd()) {
-      wanted = false;
-      for (PassItem& item : items) {
-        if (item.dimension == nullptr) {
-          item.table->AddNewCase();
-          wanted = true;
-          continue;
-        }
-        if (!item.counted) continue;
-        if (caseIndex <= maxCategories) {
-          item.table->AddNewCase();
-          wanted = true;
-        }
-        // A dimension cannot have met more values than cases, so nothing is asked until enough of them were seen.
-        const int seen = wanted ? caseIndex + 1 : caseIndex;
-        if (seen <= maxCategories) continue;
-        // Asked before this case is added: a value first met on the very last case is kept.
-        if (item.dimension->GetNumberOfValues() > maxCategories) {
-          item.counted = false;
-          continue;
-        }
-        wanted = true;
-        if (caseIndex != maxCategories) item.table->AddNewCase();
+      if (caseIndex <= maxCategories) {
+        wanted = TakeEarlyCase(items, caseIndex, maxCategories);
+        if (caseIndex == maxCategories) removeDropped();
+      } else {
+        if (TakeLaterCase(items, maxCategories)) removeDropped();
+        wanted = !items.empty();
       }
       ++caseIndex;
     }
     if (iterator.NextCase() == 0) break;
   }
 
-  for (std::size_t i = 0; i < items.size(); ++i) fHasStatistics[i] = items[i].counted;
+  removeDropped();
   if (caseIndex == 0) return 0;
   for (const std::unique_ptr<AggregationTable>& table : fTables)
     fCubeAggregators.emplace_back(table->GetCubeAggregators().front());

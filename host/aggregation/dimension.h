@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/aggregation/statistics.h"
+#include "host/aggregation/tableprogress.h"
 #include "host/common/api.h"
 #include "host/data/obs.h"
 
@@ -14,23 +15,40 @@ class HOST_API TableDimension {
  public:
   virtual ~TableDimension();
   /// Number of distinct values met in the cases added so far that have positive weight (of a set: values or members
-  /// met; with a category list: listed values met). Meant to be asked for every case.
-  virtual int GetNumberOfValues() const = 0;
+  /// met; with a category list: listed values met). Meant to be asked for every case: mostly the answer is known.
+  int GetNumberOfValues() const {
+    return fProgress->pending.end <= fProgress->watch.nextNewRow ? fProgress->watch.count : CountValues();
+  }
   /// The categories in their order, the total category last. Pointers stay valid while the table lives. REQUIRES: the
   /// table's GetCubeAggregators was called.
   virtual std::vector<AggregationCategory*> GetCategoryPointers() = 0;
+
+ protected:
+  /// `progress` is that of the table and must outlive the dimension.
+  explicit TableDimension(const TableProgress& progress) : fProgress(&progress) {}
+  /// The number of values, when it does not follow from the table's progress.
+  virtual int CountValues() const = 0;
+
+ private:
+  const TableProgress* fProgress;
 };
 
 /// The dimension of a multiple category set.
 class HOST_API TableMCSet : public TableDimension {
  public:
   ~TableMCSet() override;
+
+ protected:
+  using TableDimension::TableDimension;
 };
 
 /// The dimension of a multiple dichotomy set.
 class HOST_API TableMDSet : public TableDimension {
  public:
   ~TableMDSet() override;
+
+ protected:
+  using TableDimension::TableDimension;
 };
 
 /// One explicit category. Keeps a pointer to the value, which must outlive the table (values of the dictionary do).

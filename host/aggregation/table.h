@@ -65,19 +65,6 @@ class HOST_API TableMetadata {
   TableDimension* fDimension = nullptr;
 };
 
-/// The rows that a table has taken and not yet computed: [begin, end), all of the cursor's present chunk.
-struct PendingRows {
-  std::int64_t begin = -1;
-  std::int64_t end = -1;
-};
-
-/// What is known of the number of values of a table's dimension: it is `count` for every end of the pending rows up to
-/// `nextNewRow`; beyond that the engine must be asked.
-struct ValueWatch {
-  std::int64_t nextNewRow = -1;
-  int count = 0;
-};
-
 /// One table over the cases of an iterator.
 class HOST_API AggregationTable {
  public:
@@ -94,8 +81,8 @@ class HOST_API AggregationTable {
   /// The table takes the iterator's current case. Only notes the row: the columns are worked through a chunk at a time,
   /// which is why this costs a comparison and an addition per case.
   void AddNewCase() {
-    if (fCursor->row == fPending.end)
-      ++fPending.end;
+    if (fCursor->row == fProgress.pending.end)
+      ++fProgress.pending.end;
     else
       BeginPendingRows();
   }
@@ -111,8 +98,7 @@ class HOST_API AggregationTable {
   void BeginPendingRows();
 
   const CaseCursor* fCursor;
-  PendingRows fPending;
-  ValueWatch fWatch;
+  TableProgress fProgress;
   TableMetadata fMetadata;
   std::unique_ptr<runtime::aggregation::TableEngine> fEngine;
 };

@@ -30,13 +30,7 @@ const CaseCursor& NoCursor() {
 template <class Base>
 class CountedDimension final : public Base {
  public:
-  CountedDimension(TableEngine& engine, const PendingRows& pending, const ValueWatch& watch)
-      : fPending(pending), fWatch(watch), fEngine(engine) {}
-
-  int GetNumberOfValues() const override {
-    if (fPending.end <= fWatch.nextNewRow) return fWatch.count;
-    return fEngine.NumberOfValues();
-  }
+  CountedDimension(TableEngine& engine, const TableProgress& progress) : Base(progress), fEngine(engine) {}
 
   std::vector<AggregationCategory*> GetCategoryPointers() override {
     std::vector<AggregationCategory*> pointers;
@@ -46,8 +40,8 @@ class CountedDimension final : public Base {
   }
 
  private:
-  const PendingRows& fPending;
-  const ValueWatch& fWatch;
+  int CountValues() const override { return fEngine.NumberOfValues(); }
+
   TableEngine& fEngine;
 };
 
@@ -79,13 +73,13 @@ void TableEngine::CreateTableDimension() {
   fCounter = MakeDimensionCounter(*fDimension, fSource);
   switch (fDimension->kind()) {
     case AggregationVariable::Kind::Variable:
-      fTableDimension = std::make_unique<CountedDimension<TableDimension>>(*this, fTable.fPending, fTable.fWatch);
+      fTableDimension = std::make_unique<CountedDimension<TableDimension>>(*this, fTable.fProgress);
       break;
     case AggregationVariable::Kind::CategorySet:
-      fTableDimension = std::make_unique<CountedDimension<TableMCSet>>(*this, fTable.fPending, fTable.fWatch);
+      fTableDimension = std::make_unique<CountedDimension<TableMCSet>>(*this, fTable.fProgress);
       break;
     case AggregationVariable::Kind::DichotomySet:
-      fTableDimension = std::make_unique<CountedDimension<TableMDSet>>(*this, fTable.fPending, fTable.fWatch);
+      fTableDimension = std::make_unique<CountedDimension<TableMDSet>>(*this, fTable.fProgress);
       break;
   }
   fDimension->setTableDimension(fTableDimension.get());
@@ -106,8 +100,8 @@ void TableEngine::SetCellStatistics(std::vector<AggregationStatistic> perCategor
 
 TableEngine::RowRange TableEngine::PendingInChunk() const {
   const CaseCursor& cursor = fWork->cursor();
-  const std::int64_t first = std::max(fTable.fPending.begin, cursor.chunkBegin);
-  const std::int64_t end = std::min(fTable.fPending.end, cursor.chunkEnd);
+  const std::int64_t first = std::max(fTable.fProgress.pending.begin, cursor.chunkBegin);
+  const std::int64_t end = std::min(fTable.fProgress.pending.end, cursor.chunkEnd);
   if (end <= first) return {0, 0};
   return {static_cast<std::size_t>(first - cursor.chunkBegin), static_cast<std::size_t>(end - first)};
 }
@@ -120,7 +114,7 @@ void TableEngine::SearchUpTo(const Chunk& chunk, std::size_t row) {
 }
 
 void TableEngine::KeepFoundBefore(std::size_t row) {
-  for (; fKept < fFound.size() && fFound[fKept].row < row; ++fKept) ++fTable.fWatch.count;
+  for (; fKept < fFound.size() && fFound[fKept].row < row; ++fKept) ++fTable.fProgress.watch.count;
 }
 
 void TableEngine::ForgetFound() {
@@ -130,20 +124,20 @@ void TableEngine::ForgetFound() {
 }
 
 int TableEngine::NumberOfValues() {
-  if (fWork == nullptr) return fTable.fWatch.count;
+  if (fWork == nullptr) return fTable.fProgress.watch.count;
   const RowRange pending = PendingInChunk();
   if (!fSearches) {
     fSearches = true;
-    fTable.fWatch.count = fCounter->MarkCountedValues();
+    fTable.fProgress.watch.count = fCounter->MarkCountedValues();
     fSearchedUpTo = pending.first;
   }
-  if (pending.count == 0) return fTable.fWatch.count;
+  if (pending.count == 0) return fTable.fProgress.watch.count;
   const std::size_t end = pending.first + pending.count;
   SearchUpTo(fWork->PresentChunk(), end);
   KeepFoundBefore(end);
   const std::size_t knownUpTo = fKept < fFound.size() ? fFound[fKept].row : fSearchedUpTo;
-  fTable.fWatch.nextNewRow = fWork->cursor().chunkBegin + static_cast<std::int64_t>(knownUpTo);
-  return fTable.fWatch.count;
+  fTable.fProgress.watch.nextNewRow = fWork->cursor().chunkBegin + static_cast<std::int64_t>(knownUpTo);
+  return fTable.fProgress.watch.count;
 }
 
 void TableEngine::Flush() {
@@ -159,8 +153,8 @@ void TableEngine::Flush() {
     if (fCounter != nullptr) fCounter->CountRows(chunk, pending.first, pending.count);
     if (fScaleCounter != nullptr) fScaleCounter->CountRows(chunk, pending.first, pending.count);
   }
-  fTable.fPending.begin = fTable.fPending.end;
-  fTable.fWatch.nextNewRow = fSearches ? fTable.fPending.end : -1;
+  fTable.fProgress.pending.begin = fTable.fProgress.pending.end;
+  fTable.fProgress.watch.nextNewRow = fSearches ? fTable.fProgress.pending.end : -1;
 }
 
 std::size_t TableEngine::PendingCells() const {
@@ -177,14 +171,14 @@ void TableEngine::BeginRun() {
   if (fWork == nullptr) return;
   Flush();
   const CaseCursor& cursor = fWork->cursor();
-  fTable.fPending = {cursor.row, cursor.row + 1};
-  fTable.fWatch.nextNewRow = -1;
+  fTable.fProgress.pending = {cursor.row, cursor.row + 1};
+  fTable.fProgress.watch.nextNewRow = -1;
   fSearchedUpTo = static_cast<std::size_t>(std::max<std::int64_t>(0, cursor.row - cursor.chunkBegin));
   fSearchStep = kFirstSearchStep;
 }
 
 void TableEngine::CursorGone() {
-  fTable.fPending.begin = fTable.fPending.end;
+  fTable.fProgress.pending.begin = fTable.fProgress.pending.end;
   const std::shared_ptr<CursorWork> work = std::exchange(fWork, nullptr);
   fFailure = work->failure();
   if (!fFailure) ComputeResults();
@@ -196,8 +190,8 @@ void TableEngine::Detach() {
   fWork.reset();
   fTable.fCursor = &NoCursor();
   // No row follows these, and none is beyond what the watch knows.
-  fTable.fPending = {-2, -2};
-  fTable.fWatch.nextNewRow = std::numeric_limits<std::int64_t>::max();
+  fTable.fProgress.pending = {-2, -2};
+  fTable.fProgress.watch.nextNewRow = std::numeric_limits<std::int64_t>::max();
 }
 
 void TableEngine::Finish() {
@@ -231,7 +225,7 @@ void TableEngine::ComputeResults() noexcept {
 
 void TableEngine::MakeResults() {
   if (fCounter != nullptr) {
-    if (!fSearches) fTable.fWatch.count = fCounter->MarkCountedValues();
+    if (!fSearches) fTable.fProgress.watch.count = fCounter->MarkCountedValues();
     fCounts = fCounter->Finish();
     fCounter.reset();
     MakeCategories();

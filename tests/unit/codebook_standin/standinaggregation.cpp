@@ -42,12 +42,7 @@ template <typename Base>
 class PlannedDimension : public Base {
  public:
   PlannedDimension(const codebook::standin::Table& plan, std::vector<AggregationCategory>& categories)
-      : fPlan(plan), fCategories(categories) {}
-  int GetNumberOfValues() const override {
-    std::set<double> met;
-    for (const int row : fPlan.takenRows) met.insert(fPlan.column.at(static_cast<std::size_t>(row)));
-    return static_cast<int>(met.size());
-  }
+      : Base(kUnknown), fPlan(plan), fCategories(categories) {}
   std::vector<AggregationCategory*> GetCategoryPointers() override {
     std::vector<AggregationCategory*> pointers;
     for (AggregationCategory& category : fCategories) pointers.push_back(&category);
@@ -55,6 +50,15 @@ class PlannedDimension : public Base {
   }
 
  private:
+  // Nothing is known beforehand: the values are counted whenever they are asked for.
+  static constexpr TableProgress kUnknown{{0, 0}, {-1, 0}};
+
+  int CountValues() const override {
+    std::set<double> met;
+    for (const int row : fPlan.takenRows) met.insert(fPlan.column.at(static_cast<std::size_t>(row)));
+    return static_cast<int>(met.size());
+  }
+
   const codebook::standin::Table& fPlan;
   std::vector<AggregationCategory>& fCategories;
 };
