@@ -30,6 +30,24 @@ void ForEachNull(const std::uint64_t* validity, std::size_t first, std::size_t c
   }
 }
 
+/// False when one is not of 7 bits and a sign.
+template <class Whole>
+bool AsBytes(const Whole* cells, std::size_t count, std::int8_t* bytes) {
+  constexpr std::size_t kTogether = 128;
+  for (std::size_t first = 0; first < count; first += kTogether) {
+    const std::size_t end = std::min(count, first + kTogether);
+    bool beyond = false;
+    for (std::size_t i = first; i < end; ++i) {
+      beyond |= cells[i] > static_cast<Whole>(INT8_MAX);
+      // The lowest byte stands for no value.
+      if constexpr (std::is_signed_v<Whole>) beyond |= cells[i] <= static_cast<Whole>(INT8_MIN);
+      bytes[i] = static_cast<std::int8_t>(cells[i]);
+    }
+    if (beyond) return false;
+  }
+  return true;
+}
+
 /// False when one is not of 31 bits and a sign, or close to that.
 template <class Whole>
 bool AsIntegers(const Whole* cells, std::size_t count, std::int32_t* integers) {
@@ -67,14 +85,14 @@ class Taking {
   template <class Whole>
   bool Wholes() {
     const Whole* cells = static_cast<const Whole*>(fVector.cells) + fFirst;
-    if (fNumbers.isPlain() && GiveIntegers(cells)) return true;
+    if (fNumbers.isPlain() && (GiveBytes(cells) || GiveIntegers(cells))) return true;
     // What stands where a cell is null may be anything.
     Whole clean[kMostCells];
     if (fVector.validity != nullptr) {
       std::copy(cells, cells + fCount, clean);
       ForEachNull(fVector.validity, fFirst, fCount, [&](std::size_t at) { clean[at] = 0; });
       cells = clean;
-      if (fNumbers.isPlain() && GiveIntegers(cells)) return true;
+      if (fNumbers.isPlain() && (GiveBytes(cells) || GiveIntegers(cells))) return true;
     }
     if (!fNumbers.hasInfinity && !FitDoubles(cells, fCount)) return false;
     GiveDoubles(cells);
@@ -88,6 +106,15 @@ class Taking {
   }
 
  private:
+  template <class Whole>
+  bool GiveBytes(const Whole* cells) {
+    std::int8_t bytes[kMostCells];
+    if (!AsBytes(cells, fCount, bytes)) return false;
+    ForEachNull(fVector.validity, fFirst, fCount, [&](std::size_t at) { bytes[at] = ColumnSink::kNoByte; });
+    fSink.Bytes(bytes, fCount);
+    return true;
+  }
+
   template <class Whole>
   bool GiveIntegers(const Whole* cells) {
     std::int32_t integers[kMostCells];

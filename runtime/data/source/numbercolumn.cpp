@@ -68,6 +68,12 @@ NumberColumn::NumberColumn(const SourceColumn& column, FieldType type, bool infe
   fFacts.inferred = inferred;
 }
 
+void NumberColumn::Append(const std::int8_t* values, std::size_t count) {
+  fFacts.blankCells += std::count(values, values + count, kInt8SystemMissing);
+  fPart.AppendBytes(values, count);
+  fFacts.rows += static_cast<std::int64_t>(count);
+}
+
 void NumberColumn::Append(const std::int32_t* values, std::size_t count) {
   fFacts.blankCells += std::count(values, values + count, NumericPart::kNoInteger);
   fPart.AppendIntegers(values, count);

@@ -20,6 +20,7 @@ class NumberColumn {
   /// `type` is what the numbers are read as: the column's own type, or one that its numbers serve for.
   NumberColumn(const SourceColumn& column, FieldType type, bool inferred);
 
+  void Append(const std::int8_t* values, std::size_t count);
   void Append(const std::int32_t* values, std::size_t count);
   void Append(const double* values, std::size_t count);
 

@@ -25,7 +25,11 @@ class ColumnSink {
  public:
   static constexpr std::int32_t kNoInteger = std::numeric_limits<std::int32_t>::min();
 
+  static constexpr std::int8_t kNoByte = std::numeric_limits<std::int8_t>::min();
+
   virtual ~ColumnSink();
+  /// Whole numbers of 7 bits and a sign. kNoByte: no value.
+  virtual void Bytes(const std::int8_t* values, std::size_t count) = 0;
   /// Numbers that are whole and have 31 bits and a sign. kNoInteger: no value.
   virtual void Integers(const std::int32_t* values, std::size_t count) = 0;
   /// NaN: no value.

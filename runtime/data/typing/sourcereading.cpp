@@ -45,6 +45,7 @@ class ReadColumn : public ColumnSink {
 
   bool isText() const { return fTyper != nullptr; }
 
+  void Bytes(const std::int8_t* values, std::size_t count) override { fNumbers->Append(values, count); }
   void Integers(const std::int32_t* values, std::size_t count) override { fNumbers->Append(values, count); }
   void Numbers(const double* values, std::size_t count) override { fNumbers->Append(values, count); }
   void Texts(const std::string_view* texts, std::size_t count) override {

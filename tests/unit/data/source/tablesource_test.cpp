@@ -50,6 +50,10 @@ struct Cells {
 class Collector : public ColumnSink {
  public:
   explicit Collector(Cells& column) : fColumn(column) {}
+  void Bytes(const std::int8_t* values, std::size_t count) override {
+    for (std::size_t i = 0; i < count; ++i)
+      fColumn.cells.push_back(values[i] == kNoByte ? "nan" : std::to_string(values[i]));
+  }
   void Integers(const std::int32_t* values, std::size_t count) override {
     for (std::size_t i = 0; i < count; ++i)
       fColumn.cells.push_back(values[i] == kNoInteger ? "nan" : std::to_string(values[i]));
