@@ -243,7 +243,7 @@ std::vector<StoredColumn> DatasetBuilder::StoreColumns(std::size_t rows) const {
   const std::size_t groupRows = fBlockRows > 0 ? static_cast<std::size_t>(fBlockRows) : kRowsOfGroup;
   std::vector<NumericPart> numbers(fVariables.size());
   for (std::size_t first = 0; first < rows; first += groupRows) {
-    RowGroup group(std::min(groupRows, rows - first));
+    RowGroup group(std::min(groupRows, rows - first), fVariables.size());
     for (std::size_t i = 0; i < fVariables.size(); ++i) {
       const VariableBuilder& variable = fVariables[i];
       numbers[i].Clear();

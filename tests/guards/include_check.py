@@ -48,7 +48,7 @@ LIBRARIES = [
 
 # The operating system: files, memory, threads and the loading of libraries, for who talks to it.
 SYSTEM_FOLDERS = ["runtime/machine", "runtime/data", "runtime/aggregation", "runtime/common", "app", "tests", "bench"]
-SYSTEM = """dirent.h dlfcn.h fcntl.h langinfo.h poll.h pthread.h sched.h signal.h spawn.h termios.h time.h unistd.h
+SYSTEM = """dirent.h dlfcn.h fcntl.h langinfo.h malloc.h poll.h pthread.h sched.h signal.h spawn.h termios.h time.h unistd.h
     sys/ioctl.h sys/mman.h sys/resource.h sys/stat.h sys/statvfs.h sys/time.h sys/types.h sys/uio.h sys/wait.h
     immintrin.h""".split()
 

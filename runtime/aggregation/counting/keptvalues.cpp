@@ -87,7 +87,9 @@ void KeptValues::OpenNext(bool keep, bool weighted) {
 
   Stored next;
   next.weighted = weighted || fOpen.weighted;
-  next.room = std::clamp(2 * fOpen.room, kFirstRoom, largest);
+  // A quarter of what is kept, so that little of it stays empty at the end.
+  const std::size_t wanted = keep ? static_cast<std::size_t>(count() / kShareOfNext) : 2 * fOpen.room;
+  next.room = std::clamp(wanted, kFirstRoom, largest);
   if (!fMemory->Take(next.bytes())) {
     if (fOpen.count > 0) WriteOpen();
     if (sameKind) return;

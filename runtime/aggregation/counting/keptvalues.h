@@ -98,6 +98,7 @@ class KeptValues {
   static constexpr std::size_t kMostSample = 1024;
   static constexpr std::uint64_t kSampleStep = 256;
   static constexpr std::size_t kFirstRoom = 256;
+  static constexpr std::uint64_t kShareOfNext = 4;
   static constexpr std::size_t kLargestRoom = 32768;
   static constexpr std::size_t kLargestRoomOfOne = 4096;  // where blocks are not kept
 

@@ -41,7 +41,7 @@ void SegmentReader::Read(const CsvPart& part, std::size_t begin, std::size_t end
 }
 
 void SegmentReader::Store() {
-  fGroup = RowGroup(static_cast<std::size_t>(fFindings.rows));
+  fGroup = RowGroup(static_cast<std::size_t>(fFindings.rows), fPieces.size());
   for (const std::unique_ptr<ColumnPiece>& piece : fPieces) {
     if (!piece) continue;
     piece->End();

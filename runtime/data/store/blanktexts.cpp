@@ -13,7 +13,7 @@ StoredColumn BlankTexts::Column() {
   strings->Enter({});  // the code 0
   const auto groups = std::make_shared<RowGroups>(fMemory);
   for (std::size_t i = 0; i < fLike.size(); ++i) {
-    RowGroup group(fLike.rowsOf(i));
+    RowGroup group(fLike.rowsOf(i), 1);
     group.AddColumn(ColumnStorage::StringCode);
     group.Allocate();
     std::memset(group.Cells(0), 0, group.bytes());

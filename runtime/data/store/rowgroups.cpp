@@ -7,8 +7,7 @@
 namespace runtime::data {
 
 void RowGroup::AddColumn(ColumnStorage storage) {
-  constexpr std::size_t kAlignment = sizeof(double);
-  fColumns.push_back({fBytes, storage});
+  fColumns.push_back({static_cast<std::uint32_t>(fBytes / kAlignment), storage});
   fBytes += (fRows * BytesPerCell(storage) + kAlignment - 1) / kAlignment * kAlignment;
 }
 
@@ -37,7 +36,7 @@ const std::byte* RowGroups::Load(std::size_t group, std::vector<std::byte>& buff
 
 ColumnView RowGroups::View(std::size_t group, const std::byte* cells, std::size_t column, std::size_t row) const {
   const RowGroup::Column& place = fGroups[group].fColumns[column];
-  return {place.storage, cells + place.offset + row * BytesPerCell(place.storage), nullptr};
+  return {place.storage, cells + place.begin() + row * BytesPerCell(place.storage), nullptr};
 }
 
 }  // namespace runtime::data

@@ -19,12 +19,12 @@ inline constexpr std::int64_t kMostCases = INT32_MAX;
 class RowGroup {
  public:
   RowGroup() = default;
-  explicit RowGroup(std::size_t rows) : fRows(rows) {}
+  RowGroup(std::size_t rows, std::size_t columns) : fRows(rows) { fColumns.reserve(columns); }
 
   /// First the storage of each column in turn, then Allocate, then the cells.
   void AddColumn(ColumnStorage storage);
   void Allocate();
-  std::byte* Cells(std::size_t column) { return fCells.get() + fColumns[column].offset; }
+  std::byte* Cells(std::size_t column) { return fCells.get() + fColumns[column].begin(); }
 
   std::size_t rows() const { return fRows; }
   std::size_t columns() const { return fColumns.size(); }
@@ -33,9 +33,13 @@ class RowGroup {
 
  private:
   friend class RowGroups;
+  static constexpr std::size_t kAlignment = sizeof(double);
+  /// Small, for a wide table has very many of them.
   struct Column {
-    std::size_t offset;  // of its cells among all
+    std::uint32_t place;  // of its cells among all, in units of kAlignment bytes
     ColumnStorage storage;
+
+    std::size_t begin() const { return place * kAlignment; }
   };
 
   std::size_t fRows = 0;

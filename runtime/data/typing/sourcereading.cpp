@@ -153,7 +153,7 @@ class ColumnsReading {
 
  private:
   void CloseGroup(std::size_t rows, SharedReading& shared) {
-    RowGroup group(rows);
+    RowGroup group(rows, fColumns.size());
     for (const auto& column : fColumns) {
       column->EndGroup();
       group.AddColumn(column->storage());

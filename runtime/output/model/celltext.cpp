@@ -7,6 +7,7 @@
 #include "runtime/output/model/report.h"
 
 using runtime::output::CellContent;
+using runtime::output::ContentOrigin;
 using runtime::output::SharedContent;
 
 namespace {
@@ -30,29 +31,30 @@ SharedContent NumberContent(double value, BpFormatSpec format) {
 SharedContent DataValueContent(const MAVO_Variable& variable, const OBS* value) {
   auto content = std::make_shared<CellContent>();
   content->kind = CellContent::Kind::DataValue;
-  content->variable = variable.GetName();
+  auto origin = std::make_unique<ContentOrigin>();
+  origin->variable = variable.GetName();
   BpFormatSpec& format = content->format;
   variable.GetFormatEx(format.type, format.width, format.decimals);
   if (const int width = variable.GetType(); width > 0) {
     std::string_view text(value->bytes, static_cast<std::size_t>(width));
     text = text.substr(0, text.find_last_not_of(' ') + 1);
-    content->isString = true;
-    content->stringValue = text;
+    origin->isString = true;
+    origin->stringValue = text;
     content->text = runtime::output::FormatText(text, format.type);
-    return content;
+  } else {
+    content->number = value->number;
+    content->text = runtime::output::FormatNumber(value->number, format);
   }
-  content->number = value->number;
-  content->text = runtime::output::FormatNumber(value->number, format);
+  content->origin = std::move(origin);
   return content;
 }
 
 SharedContent VariableContent(const MAVO_Variable& variable, BpVariable::Show show) {
   auto content = std::make_shared<CellContent>();
   content->kind = CellContent::Kind::Variable;
-  content->variable = variable.GetName();
-  content->show = show;
   const char* label = show == BpVariable::kLabel ? variable.GetLabel() : nullptr;
-  content->text = label == nullptr ? content->variable : label;
+  content->text = label == nullptr ? variable.GetName() : label;
+  content->origin = std::make_unique<const ContentOrigin>(ContentOrigin{variable.GetName(), false, {}, show});
   return content;
 }
 

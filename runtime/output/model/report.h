@@ -13,22 +13,24 @@
 
 namespace runtime::output {
 
-/// What stands in a label or a cell.
+/// The variable that a content is of.
+struct ContentOrigin {
+  std::string variable;     // its name
+  bool isString = false;    // of a value: the variable is a string
+  std::string stringValue;  // of a value of a string variable: the value without trailing blanks
+  int show = 0;             // of the variable itself: 0 name, 1 label
+};
+
+/// What stands in a label or a cell. There are dozens of them for every variable of a report, so they are kept small.
 struct CellContent {
-  enum class Kind { Text, Number, DataValue, Variable };
+  enum class Kind : std::uint8_t { Text, Number, DataValue, Variable };
 
   Kind kind = Kind::Text;
-  std::string text;  // as shown, UTF-8 (data may hold control characters; renderers escape them)
-
-  bool fixed = false;  // Text: one of the procedure's own words
-
-  double number = 0.0;  // Number; DataValue of a numeric variable. NaN: system-missing
+  bool fixed = false;   // Text: one of the procedure's own words
   BpFormatSpec format;  // Number; DataValue: the variable's print format
-
-  std::string variable;     // DataValue, Variable: the variable's name
-  bool isString = false;    // DataValue: of a string variable
-  std::string stringValue;  // DataValue of a string variable: the value without trailing blanks
-  int show = 0;             // Variable: 0 name, 1 label
+  double number = 0.0;  // Number; DataValue of a numeric variable. NaN: system-missing
+  std::string text;     // as shown, UTF-8 (data may hold control characters; renderers escape them)
+  std::unique_ptr<const ContentOrigin> origin;  // DataValue, Variable; null otherwise
 };
 
 using SharedContent = std::shared_ptr<const CellContent>;

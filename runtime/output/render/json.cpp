@@ -156,18 +156,18 @@ class JsonWriter {
         return;
       case CellContent::Kind::DataValue:
         fJson += ", \"variable\": ";
-        AppendJsonText(fJson, content.variable);
+        AppendJsonText(fJson, content.origin->variable);
         fJson += ", \"value\": ";
-        if (content.isString) {
-          AppendJsonText(fJson, content.stringValue);
+        if (content.origin->isString) {
+          AppendJsonText(fJson, content.origin->stringValue);
         } else {
           AppendJsonNumber(fJson, content.number);
         }
         return;
       case CellContent::Kind::Variable:
         fJson += ", \"variable\": ";
-        AppendJsonText(fJson, content.variable);
-        fJson += content.show == BpVariable::kLabel ? ", \"show\": 1" : ", \"show\": 0";
+        AppendJsonText(fJson, content.origin->variable);
+        fJson += content.origin->show == BpVariable::kLabel ? ", \"show\": 1" : ", \"show\": 0";
         return;
     }
   }

@@ -20,7 +20,7 @@ enum class Groups { Beside, Above };
 
 bool IsNumeric(const CellContent& content) {
   return content.kind == CellContent::Kind::Number ||
-         (content.kind == CellContent::Kind::DataValue && !content.isString);
+         (content.kind == CellContent::Kind::DataValue && !content.origin->isString);
 }
 
 // Characters from the decimal sign on.

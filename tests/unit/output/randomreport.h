@@ -132,12 +132,15 @@ class RandomReport {
     content->format = {types[Below(7)], static_cast<int>(Below(3)) * 5, static_cast<int>(Below(4))};
     content->fixed = Below(2) == 0;
     content->number = Number();
-    content->variable = Text();
-    content->isString = Below(2) == 0;
-    content->stringValue = Text();
-    content->show = static_cast<int>(Below(2));
+    runtime::output::ContentOrigin origin;
+    origin.variable = Text();
+    origin.isString = Below(2) == 0;
+    origin.stringValue = Text();
+    origin.show = static_cast<int>(Below(2));
     const bool numeric = content->kind == CellContent::Kind::Number ||
-                         (content->kind == CellContent::Kind::DataValue && !content->isString);
+                         (content->kind == CellContent::Kind::DataValue && !origin.isString);
+    if (content->kind == CellContent::Kind::DataValue || content->kind == CellContent::Kind::Variable)
+      content->origin = std::make_unique<const runtime::output::ContentOrigin>(std::move(origin));
     content->text = numeric ? runtime::output::FormatNumber(content->number, content->format) : Text();
     return content;
   }

@@ -29,7 +29,7 @@ ColumnStorage StorageOf(const std::vector<double>& values) { return PartOf(value
 
 std::vector<double> Numbers(const NumericPart& part) {
   const auto groups = std::make_shared<RowGroups>(std::make_shared<ColumnMemory>());
-  RowGroup group(part.rows());
+  RowGroup group(part.rows(), 1);
   group.AddColumn(part.storage());
   group.Allocate();
   std::memcpy(group.Cells(0), part.cells(), part.bytes());

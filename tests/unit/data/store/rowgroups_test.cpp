@@ -13,7 +13,7 @@ namespace runtime::data {
 namespace {
 
 RowGroup GroupOf(const std::vector<double>& first, const std::vector<std::int8_t>& second) {
-  RowGroup group(first.size());
+  RowGroup group(first.size(), 2);
   group.AddColumn(ColumnStorage::Int8);
   group.AddColumn(ColumnStorage::Float64);
   group.Allocate();
@@ -30,7 +30,7 @@ TEST(RowGroups, giveBackWhatIsInMemoryAndWhatIsInTheFile) {
   EXPECT_EQ(memory->left, 40 - 32) << "three doubles, and three bytes on a place of eight";
   groups->Append(GroupOf({3.5}, {4}));
   groups->Append(GroupOf({4.5, 5.5}, {5, 6}));
-  groups->Append(RowGroup(0));
+  groups->Append(RowGroup(0, 2));
   EXPECT_EQ(memory->left, 8) << "the others are in the file";
   EXPECT_EQ(groups->size(), 3U);
   EXPECT_EQ(groups->rows(), 6);

@@ -73,7 +73,7 @@ StoredColumn ReadPieces(ColumnTyper& typer, const std::vector<std::string>& cell
     piece->Clear();
     Append(*piece, cells, first, end, blockRows);
     piece->End();
-    RowGroup group(end - first);
+    RowGroup group(end - first, 1);
     group.AddColumn(piece->storage());
     group.Allocate();
     if (piece->rows() > 0) std::memcpy(group.Cells(0), piece->cells(), piece->rows() * BytesPerCell(piece->storage()));

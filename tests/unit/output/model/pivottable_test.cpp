@@ -166,22 +166,22 @@ TEST_F(CellText, holdsWhatIsShownAndWhatItStandsFor) {
   EXPECT_EQ(value.content()->kind, CellContent::Kind::DataValue);
   EXPECT_EQ(value.content()->text, "1,234.6");
   EXPECT_EQ(value.content()->number, 1234.56);
-  EXPECT_EQ(value.content()->variable, "weight");
+  EXPECT_EQ(value.content()->origin->variable, "weight");
   EXPECT_EQ(value.content()->format.type, kFormatComma);
-  EXPECT_FALSE(value.content()->isString);
+  EXPECT_FALSE(value.content()->origin->isString);
 
   std::string bytes = "Köln    ";
   bytes.resize(8);
   const auto* text = reinterpret_cast<const OBS*>(bytes.data());
   const BpDataValue textValue(source.GetVariable(1), text, BpDataValue::kFormattedValueFromLabels);
-  EXPECT_TRUE(textValue.content()->isString);
+  EXPECT_TRUE(textValue.content()->origin->isString);
   EXPECT_EQ(textValue.content()->text, "Köln");
-  EXPECT_EQ(textValue.content()->stringValue, "Köln");
+  EXPECT_EQ(textValue.content()->origin->stringValue, "Köln");
 
   const BpDataValue hexadecimal(source.GetVariable(2), reinterpret_cast<const OBS*>("a "),
                                 BpDataValue::kFormattedValue);
   EXPECT_EQ(hexadecimal.content()->text, "61");
-  EXPECT_EQ(hexadecimal.content()->stringValue, "a");
+  EXPECT_EQ(hexadecimal.content()->origin->stringValue, "a");
 
   number.number = 86400;
   EXPECT_EQ(BpDataValue(source.GetVariable(3), &number, BpDataValue::kFormattedValue).content()->text, "1970/01/02");

@@ -48,12 +48,13 @@ void AddContent(ordered_json& object, const CellContent& content) {
       object["format"] = runtime::output::FormatSpecText(content.format);
       break;
     case CellContent::Kind::DataValue:
-      object["variable"] = Valid(content.variable);
-      object["value"] = content.isString ? ordered_json(Valid(content.stringValue)) : NumberOrNull(content.number);
+      object["variable"] = Valid(content.origin->variable);
+      object["value"] =
+          content.origin->isString ? ordered_json(Valid(content.origin->stringValue)) : NumberOrNull(content.number);
       break;
     case CellContent::Kind::Variable:
-      object["variable"] = Valid(content.variable);
-      object["show"] = content.show;
+      object["variable"] = Valid(content.origin->variable);
+      object["show"] = content.origin->show;
       break;
   }
 }
