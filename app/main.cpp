@@ -13,6 +13,7 @@
 
 #include "app/exitstatus.h"
 #include "app/interrupt.h"
+#include "app/memorysize.h"
 #include "app/moduleloader.h"
 #include "app/options.h"
 #include "app/progressbar.h"
@@ -95,7 +96,8 @@ int Run(int argc, char** argv) {
   stages.Begin(app::Stage::Pass, "counting");
   runtime::common::SessionOptions sessionOptions;
   sessionOptions.pool = options.data.pool;
-  sessionOptions.percentileMemory = options.percentileMemory;
+  sessionOptions.percentileMemory =
+      options.percentileMemory > 0 ? options.percentileMemory : app::MemoryForPercentiles(opened.columnBytes);
   sessionOptions.onProgress = bar.Listener();
   sessionOptions.onPassBegins = [&stages] { stages.Begin(app::Stage::Pass, "counting"); };
   sessionOptions.onResultsBegin = [&stages] { stages.Begin(app::Stage::Percentiles, "percentiles"); };

@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+#include "runtime/machine/spillfile.h"
+
 namespace app {
 
 namespace {
@@ -42,6 +44,11 @@ std::optional<std::int64_t> ReadMemorySize(std::string_view text) {
     return static_cast<std::int64_t>(size);
   }
   return std::nullopt;
+}
+
+std::int64_t MemoryForPercentiles(std::int64_t columnBytes) {
+  constexpr std::int64_t kAlways = std::int64_t{30} * 1000 * 1000;
+  return runtime::machine::CanOpenNamelessFile() ? columnBytes / 5 + kAlways : 0;
 }
 
 }  // namespace app

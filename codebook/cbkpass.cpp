@@ -1,5 +1,4 @@
 // The one pass over the cases.
-#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -14,21 +13,42 @@ namespace {
 struct PassItem {
   AggregationTable* table;
   const TableDimension* dimension;  // null for a scale item and an item without descriptor
-  bool counted;                     // the item's bit of hasStatistics
-  std::size_t index;                // of the item
+};
+
+/// The items that still take cases, in order.
+struct PassItems {
+  std::vector<PassItem> items;
+  std::vector<std::size_t> numbers;  // among all items
+  std::vector<std::size_t> dropped;  // places in `items` of those that drop out with this case
+
+  void RemoveDropped(std::vector<bool>& hasStatistics) {
+    for (const std::size_t place : dropped) {
+      hasStatistics[numbers[place]] = false;
+      items[place].table = nullptr;
+    }
+    std::size_t kept = 0;
+    for (std::size_t place = 0; place < items.size(); ++place) {
+      if (items[place].table == nullptr) continue;
+      items[kept] = items[place];
+      numbers[kept++] = numbers[place];
+    }
+    items.resize(kept);
+    numbers.resize(kept);
+    dropped.clear();
+  }
 };
 
 /// One of the first cases: until more than maxCategories of them were seen no dimension can have met more values, and
 /// nothing is asked. Whether any item still wants cases.
-bool TakeEarlyCase(std::vector<PassItem>& items, int caseIndex, int maxCategories) {
+bool TakeEarlyCase(PassItems& pass, int caseIndex, int maxCategories) {
   bool wanted = false;
-  for (PassItem& item : items) {
+  for (std::size_t place = 0; place < pass.items.size(); ++place) {
+    const PassItem& item = pass.items[place];
     if (item.dimension == nullptr) {
       item.table->AddNewCase();
       wanted = true;
       continue;
     }
-    if (!item.counted) continue;
     if (caseIndex <= maxCategories) {
       item.table->AddNewCase();
       wanted = true;
@@ -37,7 +57,7 @@ bool TakeEarlyCase(std::vector<PassItem>& items, int caseIndex, int maxCategorie
     if (seen <= maxCategories) continue;
     // Asked before this case is added: a value first met on the very last case is kept.
     if (item.dimension->GetNumberOfValues() > maxCategories) {
-      item.counted = false;
+      pass.dropped.push_back(place);
       continue;
     }
     wanted = true;
@@ -46,18 +66,14 @@ bool TakeEarlyCase(std::vector<PassItem>& items, int caseIndex, int maxCategorie
   return wanted;
 }
 
-/// Any later case. Whether a dimension has met more than maxCategories values and its item drops out.
-bool TakeLaterCase(std::vector<PassItem>& items, int maxCategories) {
-  bool dropped = false;
-  for (PassItem& item : items) {
-    if (item.dimension != nullptr && item.dimension->GetNumberOfValues() > maxCategories) {
-      item.counted = false;
-      dropped = true;
-      continue;
-    }
-    item.table->AddNewCase();
+/// Any later case.
+void TakeLaterCase(PassItems& pass, int maxCategories) {
+  for (const PassItem& item : pass.items) {
+    if (item.dimension != nullptr && item.dimension->GetNumberOfValues() > maxCategories)
+      pass.dropped.push_back(static_cast<std::size_t>(&item - pass.items.data()));
+    else
+      item.table->AddNewCase();
   }
-  return dropped;
 }
 
 }  // namespace
@@ -66,39 +82,31 @@ int VariableStatistics::PassCases(int maxCategories) {
   auto& iterator = static_cast<ProcDSIterator&>(*fCaseIterator);
   if (iterator.NextCase() == 0) return 0;
 
-  std::vector<PassItem> items;
-  items.reserve(fTables.size());
+  PassItems pass;
   for (std::size_t i = 0; i < fTables.size(); ++i) {
     AggregationTable* table = fTables[i].get();
     const bool isCategorical = fItemVariables[i] != nullptr;
-    items.push_back(
-        {table, isCategorical ? table->GetTableMetaData()->GetDimension(0) : nullptr, fHasStatistics[i], i});
+    if (isCategorical && !fHasStatistics[i]) continue;
+    pass.items.push_back({table, isCategorical ? table->GetTableMetaData()->GetDimension(0) : nullptr});
+    pass.numbers.push_back(i);
   }
-  const auto removeDropped = [&] {
-    for (const PassItem& item : items)
-      if (!item.counted && item.dimension != nullptr) fHasStatistics[item.index] = false;
-    items.erase(std::remove_if(items.begin(), items.end(),
-                               [](const PassItem& item) { return !item.counted && item.dimension != nullptr; }),
-                items.end());
-  };
 
   int caseIndex = 0;
   bool wanted = true;
   while (wanted) {
     if (!iterator.SplitGroupEnd()) {
       if (caseIndex <= maxCategories) {
-        wanted = TakeEarlyCase(items, caseIndex, maxCategories);
-        if (caseIndex == maxCategories) removeDropped();
+        wanted = TakeEarlyCase(pass, caseIndex, maxCategories);
       } else {
-        if (TakeLaterCase(items, maxCategories)) removeDropped();
-        wanted = !items.empty();
+        TakeLaterCase(pass, maxCategories);
+        wanted = pass.dropped.size() < pass.items.size();
       }
+      if (!pass.dropped.empty()) pass.RemoveDropped(fHasStatistics);
       ++caseIndex;
     }
     if (iterator.NextCase() == 0) break;
   }
 
-  removeDropped();
   if (caseIndex == 0) return 0;
   for (const std::unique_ptr<AggregationTable>& table : fTables)
     fCubeAggregators.emplace_back(table->GetCubeAggregators().front());

@@ -1,6 +1,7 @@
 // Aggregation tables: fed case by case, computed column by column.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -65,7 +66,8 @@ class HOST_API TableMetadata {
   TableDimension* fDimension = nullptr;
 };
 
-/// One table over the cases of an iterator.
+/// One table over the cases of an iterator. What is looked at for every case stands in one line of the cache, the
+/// table's dimension included: a wide codebook passes thousands of tables for each case.
 class HOST_API AggregationTable {
  public:
   /// `iterator` is not owned; it may be destroyed before the table once GetCubeAggregators was called. The other three
@@ -97,8 +99,11 @@ class HOST_API AggregationTable {
 
   void BeginPendingRows();
 
-  const CaseCursor* fCursor;
+  static constexpr std::size_t kDimensionBytes = 3 * sizeof(void*);
+
+  alignas(64) const CaseCursor* fCursor;
   TableProgress fProgress;
+  alignas(void*) std::byte fDimensionRoom[kDimensionBytes];  // the engine puts the dimension there
   TableMetadata fMetadata;
   std::unique_ptr<runtime::aggregation::TableEngine> fEngine;
 };

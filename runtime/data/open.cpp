@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <set>
 #include <system_error>
 #include <utility>
 
@@ -126,6 +127,9 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
   std::vector<StoredColumn> columns;
   columns.reserve(table.columns.size());
   for (TypedColumn& column : table.columns) columns.push_back(std::move(column.column));
+  std::set<const RowGroups*> tables;
+  for (const StoredColumn& column : columns) tables.insert(column.groups.get());
+  for (const RowGroups* cells : tables) opened.columnBytes += cells->bytes();
   opened.dataset =
       std::make_shared<ColumnarDataset>(std::move(dictionary), std::move(columns), table.rows, options.chunkRows);
   return opened;

@@ -44,7 +44,8 @@ struct OpenOptions {
 
 struct OpenedDataset {
   std::shared_ptr<const Dataset> dataset;
-  std::vector<Note> notes;  // in the order in which they arose
+  std::vector<Note> notes;       // in the order in which they arose
+  std::int64_t columnBytes = 0;  // of the cells of all columns as they are stored
 };
 
 /// Throws DataError.

@@ -39,6 +39,15 @@ int OpenNamelessFile() {
   return named;
 }
 
+bool CanOpenNamelessFile() {
+  try {
+    close(OpenNamelessFile());
+    return true;
+  } catch (const SpillError&) {
+    return false;
+  }
+}
+
 void WriteAll(int descriptor, const void* bytes, std::size_t count) {
   const char* from = static_cast<const char*>(bytes);
   while (count > 0) {

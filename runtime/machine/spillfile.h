@@ -18,6 +18,8 @@ class SpillError : public std::runtime_error {
 /// A new file in that folder that no folder lists, open for reading and writing; who opens it closes it. Throws
 /// SpillError.
 int OpenNamelessFile();
+/// Whether there can be such a file.
+bool CanOpenNamelessFile();
 /// Throws SpillError.
 void WriteAll(int descriptor, const void* bytes, std::size_t count);
 

@@ -70,6 +70,22 @@ const Chunk& CursorWork::PresentChunk() {
   return fChunk;
 }
 
+/// Calls work(table) for the tables, in tasks of about the same size; `cells` are those of all.
+template <class Work>
+void CursorWork::ShareOut(machine::ThreadPool& pool, const std::vector<TableEngine*>& tables, std::size_t cells,
+                          Work work) {
+  // What the tables share is made before they go apart.
+  PresentChunk();
+  const auto tasks = static_cast<std::size_t>(pool.threads()) * kTasksOfThread;
+  const std::size_t cellsOfTask = std::max(kCellsOfTask, cells / tasks);
+  const std::size_t tablesOfTask = std::max<std::size_t>(1, cellsOfTask * tables.size() / cells);
+  const std::size_t count = (tables.size() + tablesOfTask - 1) / tablesOfTask;
+  pool.ForEach(count, [&](std::size_t task) {
+    const std::size_t end = std::min(tables.size(), (task + 1) * tablesOfTask);
+    for (std::size_t table = task * tablesOfTask; table < end; ++table) work(*tables[table]);
+  });
+}
+
 void CursorWork::CountPending() {
   std::size_t cells = 0;
   for (const TableEngine* table : fTables) cells += table->PendingCells();
@@ -78,21 +94,20 @@ void CursorWork::CountPending() {
     for (TableEngine* table : fTables) table->LeaveChunk();
     return;
   }
-  // What the tables share is made before they go apart.
-  PresentChunk();
-  const auto tasks = static_cast<std::size_t>(pool->threads()) * kTasksOfThread;
-  const std::size_t cellsOfTask = std::max(kCellsOfTask, cells / tasks);
-  std::vector<std::size_t> ends;  // of the tables of each task
-  std::size_t inTask = 0;
-  for (std::size_t table = 0; table < fTables.size(); ++table) {
-    inTask += fTables[table]->PendingCells();
-    if (inTask < cellsOfTask && table + 1 < fTables.size()) continue;
-    ends.push_back(table + 1);
-    inTask = 0;
-  }
-  pool->ForEach(ends.size(), [&](std::size_t task) {
-    for (std::size_t table = task == 0 ? 0 : ends[task - 1]; table < ends[task]; ++table) fTables[table]->LeaveChunk();
-  });
+  ShareOut(*pool, fTables, cells, [](TableEngine& table) { table.LeaveChunk(); });
+}
+
+void CursorWork::SearchAhead() {
+  if (std::exchange(fSearchedChunk, fCursor->chunkBegin) == fCursor->chunkBegin) return;
+  machine::ThreadPool* pool = PoolOfThread();
+  if (pool == nullptr || pool->threads() == 1) return;
+  std::vector<TableEngine*> searching;
+  for (TableEngine* table : fTables)
+    if (table->WantsSearch()) searching.push_back(table);
+  const std::size_t cells = searching.size() * static_cast<std::size_t>(fCursor->chunkEnd - fCursor->chunkBegin);
+  if (cells < kCellsWorthSharing) return;
+  const Chunk& chunk = PresentChunk();
+  ShareOut(*pool, searching, cells, [&chunk](TableEngine& table) { table.SearchChunk(chunk); });
 }
 
 void CursorWork::LeaveChunk() {

@@ -10,6 +10,7 @@
 
 #include "runtime/aggregation/counting/chunk.h"
 #include "runtime/aggregation/counting/keptvalues.h"
+#include "runtime/machine/threadpool.h"
 
 namespace runtime::aggregation {
 
@@ -35,6 +36,10 @@ class CursorWork : public ChunkListener {
   /// REQUIRES: the cursor stands in a chunk.
   const Chunk& PresentChunk();
 
+  /// Searches the rest of the chunk for new values in all tables that want it, once a chunk, where several threads can
+  /// share the work.
+  void SearchAhead();
+
   /// Where the tables keep values.
   const std::shared_ptr<ValueMemory>& memory() const { return fMemory; }
   /// The results of a table are about to be computed.
@@ -49,12 +54,15 @@ class CursorWork : public ChunkListener {
 
  private:
   void CountPending();
+  template <class Work>
+  void ShareOut(machine::ThreadPool& pool, const std::vector<TableEngine*>& tables, std::size_t cells, Work work);
 
   CaseCursor* fCursor;  // null when it is gone
   std::vector<TableEngine*> fTables;
   WeightScaler fScaler;
   Chunk fChunk;
-  std::int64_t fScaledChunk = -1;  // chunkBegin of the chunk whose weights are scaled; negative: none
+  std::int64_t fScaledChunk = -1;    // chunkBegin of the chunk whose weights are scaled; negative: none
+  std::int64_t fSearchedChunk = -1;  // the same of the one that was searched ahead
   std::shared_ptr<ValueMemory> fMemory;
   bool fResultsBegan = false;
   std::exception_ptr fFailure;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -68,18 +69,24 @@ void TableEngine::SetDimension(std::unique_ptr<AggregationVariable> dimension) {
   fDimension = std::move(dimension);
 }
 
+template <class Base>
+TableDimension* TableEngine::PutDimension() {
+  static_assert(sizeof(CountedDimension<Base>) <= AggregationTable::kDimensionBytes);
+  return new (fTable.fDimensionRoom) CountedDimension<Base>(*this, fTable.fProgress);
+}
+
 void TableEngine::CreateTableDimension() {
   if (fDimension == nullptr || fTableDimension != nullptr) return;
   fCounter = MakeDimensionCounter(*fDimension, fSource);
   switch (fDimension->kind()) {
     case AggregationVariable::Kind::Variable:
-      fTableDimension = std::make_unique<CountedDimension<TableDimension>>(*this, fTable.fProgress);
+      fTableDimension.reset(PutDimension<TableDimension>());
       break;
     case AggregationVariable::Kind::CategorySet:
-      fTableDimension = std::make_unique<CountedDimension<TableMCSet>>(*this, fTable.fProgress);
+      fTableDimension.reset(PutDimension<TableMCSet>());
       break;
     case AggregationVariable::Kind::DichotomySet:
-      fTableDimension = std::make_unique<CountedDimension<TableMDSet>>(*this, fTable.fProgress);
+      fTableDimension.reset(PutDimension<TableMDSet>());
       break;
   }
   fDimension->setTableDimension(fTableDimension.get());
@@ -133,6 +140,7 @@ int TableEngine::NumberOfValues() {
   }
   if (pending.count == 0) return fTable.fProgress.watch.count;
   const std::size_t end = pending.first + pending.count;
+  if (WantsSearch()) fWork->SearchAhead();
   SearchUpTo(fWork->PresentChunk(), end);
   KeepFoundBefore(end);
   const std::size_t knownUpTo = fKept < fFound.size() ? fFound[fKept].row : fSearchedUpTo;
@@ -156,6 +164,14 @@ void TableEngine::Flush() {
   fTable.fProgress.pending.begin = fTable.fProgress.pending.end;
   fTable.fProgress.watch.nextNewRow = fSearches ? fTable.fProgress.pending.end : -1;
 }
+
+bool TableEngine::WantsSearch() const {
+  if (!fSearches || fSearchedUpTo > 0) return false;
+  const RowRange pending = PendingInChunk();
+  return pending.first == 0 && pending.count > 0;
+}
+
+void TableEngine::SearchChunk(const Chunk& chunk) { SearchUpTo(chunk, chunk.rows()); }
 
 std::size_t TableEngine::PendingCells() const {
   const std::size_t columns = fDimension == nullptr ? 1 : std::max<std::size_t>(1, fDimension->variables().size());

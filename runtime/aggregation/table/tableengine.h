@@ -37,6 +37,10 @@ class TableEngine {
   void BeginRun();
   /// Works the pending rows through.
   void LeaveChunk();
+  /// Whether the table follows its values and has taken the chunk's first rows, so that it will take most of the
+  /// others: then the whole chunk may be searched at once, by any thread.
+  bool WantsSearch() const;
+  void SearchChunk(const Chunk& chunk);
   /// Cells of the pending rows.
   std::size_t PendingCells() const;
   /// Ends the counting, as does Finish: the columns cannot be read any more. Does not throw.
@@ -65,6 +69,12 @@ class TableEngine {
   bool hasCube() const { return fCube != nullptr; }
 
  private:
+  struct EndInPlace {
+    void operator()(TableDimension* dimension) const { dimension->~TableDimension(); }
+  };
+  template <class Base>
+  TableDimension* PutDimension();
+
   struct RowRange {
     std::size_t first;
     std::size_t count;
@@ -86,7 +96,7 @@ class TableEngine {
   std::unique_ptr<AggregationCube> fCube;
 
   std::unique_ptr<AggregationVariable> fDimension;
-  std::unique_ptr<TableDimension> fTableDimension;
+  std::unique_ptr<TableDimension, EndInPlace> fTableDimension;  // in the table's own memory
   std::unique_ptr<DimensionCounter> fCounter;
   std::vector<AggregationStatistic> fPerCategory;
   std::vector<AggregationStatistic> fInTotal;

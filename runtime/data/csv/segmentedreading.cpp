@@ -13,7 +13,7 @@ constexpr std::size_t kFewestBytes = std::size_t{256} << 10;
 constexpr std::size_t kMostBytes = std::size_t{4} << 20;
 constexpr std::size_t kMostBytesOfWideFiles = std::size_t{32} << 20;
 constexpr std::size_t kSegments = 16;        // of a small file
-constexpr std::size_t kRowsOfSegment = 256;  // at least, in a wide file
+constexpr std::size_t kRowsOfSegment = 768;  // at least, in a wide file
 
 /// Small enough that all threads have work, large enough that what is done once a segment and column counts little.
 std::size_t SegmentBytes(const std::vector<CsvPart>& parts, std::size_t total) {

@@ -17,6 +17,7 @@ void RowGroups::Append(RowGroup group) {
   if (group.fRows == 0) return;
   fRows += static_cast<std::int64_t>(group.fRows);
   const auto bytes = static_cast<std::int64_t>(group.fBytes);
+  fBytes += bytes;
   if (bytes <= fMemory->left) {
     fMemory->left -= bytes;
   } else {

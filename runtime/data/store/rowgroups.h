@@ -65,6 +65,8 @@ class RowGroups {
 
   std::size_t size() const { return fGroups.size(); }
   std::int64_t rows() const { return fRows; }
+  /// Bytes of all cells, in memory or in the file.
+  std::int64_t bytes() const { return fBytes; }
   std::size_t rowsOf(std::size_t group) const { return fGroups[group].fRows; }
 
   /// The cells of a group, for View; read into `buffer` when they are in the file. Throws SpillError.
@@ -76,6 +78,7 @@ class RowGroups {
   std::shared_ptr<ColumnMemory> fMemory;
   std::vector<RowGroup> fGroups;
   std::int64_t fRows = 0;
+  std::int64_t fBytes = 0;
   machine::SpillFile fFile;
 };
 

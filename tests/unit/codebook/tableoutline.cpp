@@ -16,7 +16,7 @@ std::string marked(const CellContent& content) {
     case CellContent::Kind::DataValue:
       return "value:" + content.text;
     case CellContent::Kind::Variable:
-      return (content.show == 0 ? "name:" : "label:") + content.text;
+      return (content.origin->show == 0 ? "name:" : "label:") + content.text;
   }
   return "";
 }
