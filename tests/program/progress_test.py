@@ -129,7 +129,8 @@ class Progress(ProgramTest):
         """A finished run that showed how far the counting had come."""
         rows = 20_000
         while rows <= 20_000 * 64:
-            self.write("data.csv", "a,b,c\n" + "1,2,0.5\n3,1,2.25\n" * rows)
+            names = ",".join(f"a{i},b{i},c{i}" for i in range(12))
+            self.write("data.csv", names + "\n" + (",".join(["1,2,0.5"] * 12) + "\n" + ",".join(["3,1,2.25"] * 12) + "\n") * rows)
             run = self.start("data.csv", "--chunk-rows", "1", "-c", "CODEBOOK /STATISTICS COUNT MEAN.", environment=environment)
             self.assertEqual(run.finish(), 0)
             if [line for line in run.drawings() if re.match(r"counting.*%", line)]:
