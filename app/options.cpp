@@ -104,8 +104,8 @@ constexpr std::int64_t kLeastMemory = 64'000'000;
 /// text in several forms, three times its length as measured, and one text more is read ahead.
 std::size_t SegmentBytes(std::int64_t memory, int threads) {
   constexpr std::int64_t kBytesOfTextByte = 3;
-  constexpr std::int64_t kFewest = 256 * 1024;
-  constexpr std::int64_t kEnough = 4 * 1024 * 1024;  // for which the reader needs no bound
+  constexpr std::int64_t kFewest = std::int64_t{256} * 1024;
+  constexpr std::int64_t kEnough = std::int64_t{4} * 1024 * 1024;  // for which the reader needs no bound
   const std::int64_t texts = (threads > 0 ? threads : runtime::machine::MachineThreads()) + 1;
   const std::int64_t bytes = std::max(memory / (kBytesOfTextByte * texts), kFewest);
   return bytes < kEnough ? static_cast<std::size_t>(bytes) : 0;

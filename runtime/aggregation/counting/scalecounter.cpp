@@ -58,7 +58,7 @@ void MakeMissing(const MissingRule& rule, double* values, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) values[i] = values[i] == missing ? kSystemMissingValue : values[i];
   for (const MissingRule::Range& range : rule.ranges)
     for (std::size_t i = 0; i < count; ++i)
-      values[i] = (values[i] >= range.low) & (values[i] <= range.high) ? kSystemMissingValue : values[i];
+      values[i] = ((values[i] >= range.low) & (values[i] <= range.high)) != 0 ? kSystemMissingValue : values[i];
 }
 
 int VariableOf(const std::vector<AggregationStatistic>& statistics, const MAVO_DataSource& source) {

@@ -405,8 +405,10 @@ void Selector<Arithmetic>::Walk(const Range& range, const TakenOut* taken, std::
   Sum below = range.below;
   std::optional<double> lower = range.lower;
   while (!targets.empty()) {
-    const double nextPlain = plain < entries.size() ? entries[plain].first : kInfinity;
-    const double nextCounted = counted < range.last ? fCounted[counted].first : kInfinity;
+    double nextPlain = kInfinity;
+    double nextCounted = kInfinity;
+    if (plain < entries.size()) nextPlain = entries[plain].first;
+    if (counted < range.last) nextCounted = fCounted[counted].first;
     const double value = std::min(nextPlain, nextCounted);
     Sum weight{};
     for (; plain < entries.size() && entries[plain].first == value; ++plain)

@@ -167,9 +167,10 @@ FileBytes::~FileBytes() {
 void FileBytes::Release(std::string_view bytes) const {
   if (fMapped == nullptr) return;
   const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-  const auto begin = (reinterpret_cast<std::uintptr_t>(bytes.data()) + page - 1) / page * page;
-  const auto end = reinterpret_cast<std::uintptr_t>(bytes.data() + bytes.size()) / page * page;
-  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
+  const std::uintptr_t past = reinterpret_cast<std::uintptr_t>(bytes.data()) % page;
+  const std::size_t skipped = past == 0 ? 0 : page - past;
+  if (bytes.size() < skipped + page) return;
+  madvise(const_cast<char*>(bytes.data()) + skipped, (bytes.size() - skipped) / page * page, MADV_DONTNEED);
 }
 
 InputText::InputText(const std::string& path, const std::optional<std::string>& encoding, std::vector<Note>& notes)

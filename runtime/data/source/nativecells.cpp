@@ -55,7 +55,8 @@ bool AsIntegers(const Whole* cells, std::size_t count, std::int32_t* integers) {
   std::uint64_t all = 0;
   for (std::size_t i = 0; i < count; ++i) {
     if constexpr (sizeof(Whole) > 2) all |= static_cast<std::uint64_t>(cells[i]) + kHalf;
-    integers[i] = static_cast<std::int32_t>(cells[i]);
+    // By way of 64 bits, where a byte is a number like others.
+    integers[i] = static_cast<std::int32_t>(static_cast<std::int64_t>(cells[i]));
   }
   return all < 2 * kHalf;
 }
