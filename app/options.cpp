@@ -189,7 +189,6 @@ Options ReadOptions(int argc, const char* const* argv) {
           ->type_name("SIZE");
   cli.add_flag("-q,--quiet", options.quiet, "no progress on the terminal; only warnings and errors are told");
   cli.add_flag("--timing", timing, "print where the time went to standard error; --timing=json: as JSON");
-  cli.add_flag("--timings{json}", timing)->group("");
   cli.add_option("--chunk-rows", options.data.chunkRows, "cases counted at a time; changes no result")
       ->check(CLI::Range(1, 1 << 30))
       ->group("For tests");
