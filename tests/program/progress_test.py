@@ -50,8 +50,10 @@ class Progress(ProgramTest):
         self.assertEqual(run.written, b"")
 
     def test_redrawnAFewTimesASecond(self):
+        begun = time.monotonic()
         run = self.read_slowly(2.5)
-        self.assertLessEqual(len(run.drawings()), 2.5 / BETWEEN_DRAWINGS + 1)
+        lasted = time.monotonic() - begun  # longer than it was asked for, on a machine that has other work too
+        self.assertLessEqual(len(run.drawings()), lasted / BETWEEN_DRAWINGS + 1)
         self.assertGreaterEqual(len(run.drawings()), 2)
 
     def test_quietRunShowsNothing(self):
