@@ -42,7 +42,7 @@ class NumericPiece : public ColumnPiece {
   static constexpr std::size_t kBatch = 256;
 
   // The three loops; `readInFull(text, row)` gives the value of a cell that is not of the common form, NaN when it is
-  // system-missing. A loop ends early, and gives false, as soon as `gaveUp` is set.
+  // system-missing. A loop ends early, and gives false, as soon as fGaveUp is set.
 
   /// Common form: up to 8 characters of a whole number.
   template <class ReadInFull>
@@ -87,11 +87,9 @@ class NumericPiece : public ColumnPiece {
         batch[filled++] = readInFull(block.Text(*cell), row);
         if (fGaveUp) return false;
       }
-      if (filled < kBatch) continue;
-      fValues.AppendDoubles(batch, filled);
-      filled = 0;
+      if (filled == kBatch) Flush(batch, filled);
     }
-    fValues.AppendDoubles(batch, filled);
+    Flush(batch, filled);
     fFacts.decimals = std::max(fFacts.decimals, decimals);
     return true;
   }
@@ -104,11 +102,9 @@ class NumericPiece : public ColumnPiece {
     for (std::size_t row = 0; row < block.rows; ++row, cell += block.stride) {
       batch[filled++] = readInFull(block.Text(*cell), row);
       if (fGaveUp) return false;
-      if (filled < kBatch) continue;
-      fValues.AppendDoubles(batch, filled);
-      filled = 0;
+      if (filled == kBatch) Flush(batch, filled);
     }
-    fValues.AppendDoubles(batch, filled);
+    Flush(batch, filled);
     return true;
   }
 
@@ -143,6 +139,10 @@ class NumericPiece : public ColumnPiece {
 
   void Flush(const std::int32_t* batch, std::size_t& filled) {
     fValues.AppendIntegers(batch, filled);
+    filled = 0;
+  }
+  void Flush(const double* batch, std::size_t& filled) {
+    fValues.AppendDoubles(batch, filled);
     filled = 0;
   }
   void AppendOther(std::int32_t* batch, std::size_t& filled, double value) {

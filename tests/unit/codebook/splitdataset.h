@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "runtime/data/dataset.h"
+#include "runtime/data/store/numericpart.h"
 
 namespace codebook::test {
 
@@ -18,7 +19,7 @@ class SplitCursor : public CaseCursor {
   ColumnView Column(int variable) const override {
     ColumnView view = fRows->Column(variable);
     const auto offset = static_cast<std::size_t>(fRows->row - fRows->chunkBegin);
-    view.cells = static_cast<const char*>(view.cells) + offset * cellSize(view.storage);
+    view.cells = static_cast<const char*>(view.cells) + offset * runtime::data::BytesPerCell(view.storage);
     return view;
   }
   const double* Weights() const override {
@@ -36,21 +37,6 @@ class SplitCursor : public CaseCursor {
   }
 
  private:
-  static std::size_t cellSize(ColumnStorage storage) {
-    switch (storage) {
-      case ColumnStorage::Int8:
-        return 1;
-      case ColumnStorage::Int16:
-        return 2;
-      case ColumnStorage::Int32:
-      case ColumnStorage::StringCode:
-        return 4;
-      case ColumnStorage::Float64:
-        break;
-    }
-    return 8;
-  }
-
   std::unique_ptr<CaseCursor> fRows;
   const std::vector<bool>& fEnds;
 };
