@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "runtime/aggregation/sketch/itemsketch.h"
 #include "runtime/machine/threadpool.h"
 
 namespace runtime::aggregation {
@@ -16,6 +17,9 @@ struct AggregationBinding {
   /// Called once a pass, when the results behind it begin to be computed (the percentiles above all); for timings. May
   /// be empty.
   std::function<void()> onResultsBegin;
+  /// Called once for every table whose results were computed, when they are, on the thread of the binding, in the order
+  /// in which the tables were made. Empty: nobody wants to know, and no values are kept for it.
+  std::function<void(ItemSketch&& sketch)> onCounted;
   /// A mean, standard deviation or percentile of the variable (dictionary index) was read from a table's results.
   std::function<void(int variable)> onScaleStatisticRead;
 };

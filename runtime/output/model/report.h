@@ -11,6 +11,8 @@
 #include "host/data/format.h"
 #include "host/output/celltext.h"
 
+#include "runtime/output/model/facts.h"
+
 namespace runtime::output {
 
 /// The variable that a content is of.
@@ -70,6 +72,7 @@ struct Procedure {
   std::string title;
   int number = 0;                              // as it was given
   std::vector<std::shared_ptr<Table>> tables;  // in output order
+  std::vector<Sketch> sketches;                // of the items counted, in the order of their names
 };
 
 enum class Severity { Warning, Error };
@@ -84,6 +87,8 @@ struct Message {
 struct Report {
   std::vector<Message> messages;  // in the order in which they arose
   std::vector<std::shared_ptr<Procedure>> procedures;
+  std::optional<ReportFacts> facts;  // none: tables without a dataset
+  std::string language = "en";       // of fixed texts
 };
 
 }  // namespace runtime::output

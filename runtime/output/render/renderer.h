@@ -11,11 +11,16 @@
 
 namespace runtime::output {
 
+class Catalog;
+
 /// What the place that the report goes to can show. Formats that are files pay no heed to it.
 struct RenderOptions {
   int width = 80;      // columns; at least 20 are used
   bool utf8 = true;    // else ASCII only
   bool color = false;  // a terminal that understands colours
+  /// What translates the renderers' own words; null: English. Fixed texts of the report are translated already. Must
+  /// outlive the renderer.
+  const Catalog* catalog = nullptr;
 };
 
 /// Writes a report in one format. Same report and options, same bytes. Renderers only read the report, and one renderer
