@@ -22,6 +22,15 @@ struct LabelledValue {
   std::optional<std::string> label;
 };
 
+/// Something that a dictionary file says and the Dictionary has no word for, kept so that writing it back loses
+/// nothing. `name` is a property of Table Schema or Data Package by its own name ("constraints", "rdfType", unknown
+/// ones too), or "ddi:" and the path of a DDI element below its variable or study ("ddi:qstn/preQTxt"). What a reader
+/// understood in full is never an extra.
+struct ExtraProperty {
+  std::string name;
+  std::string json;  // a JSON value in UTF-8
+};
+
 struct MissingRangeDescriptor {
   std::optional<double> min;  // absent: open
   std::optional<double> max;
@@ -54,6 +63,7 @@ struct FieldDescriptor {
   std::optional<std::string> measure;  // as written; an unknown word is an error at assembly
   std::optional<std::string> role;
   DatasourceAttributes attributes;
+  std::vector<ExtraProperty> extras;  // in the order of the file
 };
 
 struct SetDescriptor {
@@ -87,6 +97,10 @@ struct TableDescriptor {
   std::optional<std::string> label;
   std::vector<std::vector<std::string>> documents;
   DatasourceAttributes attributes;
+  // In the order of their file. Of a standard without these three levels all stand in `extras`.
+  std::vector<ExtraProperty> extras;  // of the schema, or of the study
+  std::vector<ExtraProperty> resourceExtras;
+  std::vector<ExtraProperty> packageExtras;
 };
 
 }  // namespace runtime::data
