@@ -2,6 +2,7 @@
 // gives this form; assemble.h turns it, with what is known of the columns, into the Dictionary.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -54,7 +55,7 @@ struct FieldDescriptor {
   FieldDialect dialect;
   std::vector<LabelledValue> missingValues;  // the field's own, else the schema's, else one empty text
   std::vector<MissingRangeDescriptor> missingRanges;
-  std::vector<LabelledValue> categories;
+  std::vector<LabelledValue> categories;  // of `categories`, of the resource named there, or of `constraints.enum`
   bool hasCategories = false;
   bool categoriesOrdered = false;
   std::vector<LabelledValue> valueLabels;  // of the extension property
@@ -83,12 +84,39 @@ struct TextDialect {
   std::optional<bool> header;
   std::optional<bool> skipInitialSpace;
   std::optional<std::string> encoding;
+  std::optional<std::string> escapeChar;      // makes the character behind it one like others
+  std::optional<std::string> nullSequence;    // a cell of this text, not quoted, is missing
+  std::optional<std::string> lineTerminator;  // absent: LF, CR and CRLF, mixed too
+  std::optional<std::string> commentChar;     // lines that begin with it are no records
+  std::vector<std::int64_t> commentRows;      // records that are left out, from 1, ascending
+  std::vector<std::int64_t> headerRows;       // records that are joined to the header, ascending; empty: the first one
+  std::optional<std::string> headerJoin;
+  std::optional<bool> caseSensitiveHeader;  // false: fields and columns meet without regard to case
+  std::vector<ExtraProperty> extras;        // of the dialect
+};
+
+/// How the fields of a schema meet the columns of the data.
+enum class FieldsMatch {
+  ByName,    // nothing is said: as Equal
+  Exact,     // the same, in the same order
+  Equal,     // the same, in any order
+  Subset,    // every field has a column; there may be more columns
+  Superset,  // every column has a field; there may be more fields
+  Partial    // at least one field has a column
+};
+
+/// Data that stand in the dictionary itself, as CSV with a header line (comma, double quotes, LF).
+struct InlineTable {
+  std::string csv;
+  std::vector<std::string> textColumns;  // headers of those whose cells are texts although they look like numbers
 };
 
 struct TableDescriptor {
-  std::string origin;                  // the dictionary file, for messages
-  std::vector<std::string> dataPaths;  // checked, absolute; empty when the descriptor names no data
+  std::string origin;                     // the dictionary file, for messages
+  std::vector<std::string> dataPaths;     // checked, absolute; empty when the descriptor names no data
+  std::optional<InlineTable> inlineData;  // instead of the files
   TextDialect dialect;
+  FieldsMatch fieldsMatch = FieldsMatch::ByName;
   bool hasSchema = false;  // false: every column is inferred
   std::vector<FieldDescriptor> fields;
   std::vector<LabelledValue> missingValues;  // of the schema, for columns without a field; else one empty text
