@@ -17,6 +17,9 @@ struct AggregationBinding {
   /// Called once a pass, when the results behind it begin to be computed (the percentiles above all); for timings. May
   /// be empty.
   std::function<void()> onResultsBegin;
+  /// Called with it, for a pass that went through all cases from the first to the last: the sum of their weights, exact
+  /// and rounded once (NaN where it is beyond the largest double). May be empty.
+  std::function<void(double weight)> onCasesWeighed;
   /// Called once for every table whose results were computed, when they are, on the thread of the binding, in the order
   /// in which the tables were made. Empty: nobody wants to know, and no values are kept for it.
   std::function<void(ItemSketch&& sketch)> onCounted;

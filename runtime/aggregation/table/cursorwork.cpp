@@ -46,7 +46,11 @@ std::shared_ptr<CursorWork> CursorWork::Of(CaseCursor& cursor) {
 }
 
 CursorWork::CursorWork(CaseCursor& cursor)
-    : fCursor(&cursor), fChunk{&cursor, {}}, fMemory(std::make_shared<ValueMemory>(MemoryForValues())) {
+    : fCursor(&cursor),
+      fChunk{&cursor, {}},
+      fFromTheBeginning(cursor.chunkBegin == 0 && !cursor.exhausted()),
+      fMemory(std::make_shared<ValueMemory>(MemoryForValues())) {
+  fAllCases.Resize(1);
   cursor.AddListener(this);
 }
 
@@ -114,6 +118,7 @@ void CursorWork::LeaveChunk() {
   if (fFailure) return;
   try {
     CountPending();
+    fAllCases.AddRows(0, static_cast<std::size_t>(fCursor->chunkEnd - fCursor->chunkBegin), PresentChunk().weights, 0);
   } catch (...) {
     fFailure = std::current_exception();
     if (!fCursor->leaving()) throw;
@@ -121,10 +126,18 @@ void CursorWork::LeaveChunk() {
   fScaledChunk = -1;
 }
 
+std::optional<WeightTotal> CursorWork::AllCases() const {
+  if (fCursor == nullptr || !fCursor->exhausted() || !fFromTheBeginning) return std::nullopt;
+  return fAllCases.Total(0);
+}
+
 void CursorWork::BeginResults() {
   if (std::exchange(fResultsBegan, true)) return;
   const AggregationBinding* binding = CurrentAggregation();
-  if (binding != nullptr && binding->onResultsBegin) binding->onResultsBegin();
+  if (binding == nullptr) return;
+  if (binding->onResultsBegin) binding->onResultsBegin();
+  if (!binding->onCasesWeighed) return;
+  if (const std::optional<WeightTotal> weight = AllCases()) binding->onCasesWeighed(NearestDouble(*weight));
 }
 
 void CursorWork::FinishTables() {

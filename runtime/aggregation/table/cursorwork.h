@@ -4,12 +4,14 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "host/data/casecursor.h"
 
 #include "runtime/aggregation/counting/chunk.h"
 #include "runtime/aggregation/counting/keptvalues.h"
+#include "runtime/aggregation/counting/weightsums.h"
 #include "runtime/machine/threadpool.h"
 
 namespace runtime::aggregation {
@@ -44,6 +46,8 @@ class CursorWork : public ChunkListener {
   const std::shared_ptr<ValueMemory>& memory() const { return fMemory; }
   /// The results of a table are about to be computed.
   void BeginResults();
+  /// The sum of the weights of all cases; null where the cursor has not gone through all of them, or had begun before.
+  std::optional<WeightTotal> AllCases() const;
   /// Ends the counting for all tables. REQUIRES: the cursor is exhausted.
   void FinishTables();
   /// What a table's work threw while it was not to be told; nothing is counted behind it. Null: nothing.
@@ -61,6 +65,8 @@ class CursorWork : public ChunkListener {
   std::vector<TableEngine*> fTables;
   WeightScaler fScaler;
   Chunk fChunk;
+  WeightSums fAllCases;              // in its one slot: of the chunks left so far
+  const bool fFromTheBeginning;      // none was left before
   std::int64_t fScaledChunk = -1;    // chunkBegin of the chunk whose weights are scaled; negative: none
   std::int64_t fSearchedChunk = -1;  // the same of the one that was searched ahead
   std::shared_ptr<ValueMemory> fMemory;

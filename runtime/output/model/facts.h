@@ -59,7 +59,9 @@ struct ReportFacts {
   std::string weight;                   // weight variable; empty: unweighted
   std::string weightLabel;              // its label; empty: none
   std::optional<double> weightedCases;  // where a pass counted them
-  std::vector<ItemFacts> items;         // variables in the dictionary's order, then sets
+  std::int64_t variables = 0;           // in the dictionary
+  /// The variables and sets that the report has a table of: variables in the dictionary's order, then sets.
+  std::vector<ItemFacts> items;
   std::vector<MethodNote> notes;        // in the order in which they are shown
 };
 

@@ -41,6 +41,7 @@ struct ReportFormat {
   std::string_view name;    // as --format takes it
   std::string_view ending;  // of file names, with its period
   std::unique_ptr<Renderer> (*newRenderer)(const RenderOptions& options);
+  bool wantsSketches = false;  // draws what the procedures' sketches hold
 };
 
 /// All formats, `text` first.
