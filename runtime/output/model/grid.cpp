@@ -21,6 +21,14 @@ bool SetOnRow(const Cell& cell) { return cell.column == nullptr; }
 
 }  // namespace
 
+std::size_t SharedGroups(const GridLine* before, const GridLine& line) {
+  if (before == nullptr) return 0;
+  const std::size_t most = std::min(before->groups.size(), line.groups.size());
+  std::size_t shared = 0;
+  while (shared < most && before->groups[shared] == line.groups[shared]) ++shared;
+  return shared;
+}
+
 Grid::Grid(const Table& table) {
   std::vector<const Item*> groups;
   for (const auto& dimension : table.dimensions) {
@@ -41,6 +49,14 @@ std::size_t Grid::ColumnOf(const Cell& cell) const {
   std::size_t column = 0;
   while (fColumns[column].category != cell.column) ++column;  // every cell's column is a column of its table
   return column;
+}
+
+std::vector<std::size_t> Grid::ShownColumns() const {
+  std::vector<std::size_t> shown;
+  for (std::size_t column = 0; column < fColumns.size(); ++column)
+    if (fUsed[column]) shown.push_back(column);
+  if (shown.empty() && !fColumns.empty()) shown.push_back(0);
+  return shown;
 }
 
 }  // namespace runtime::output

@@ -13,6 +13,9 @@ struct GridLine {
   const Item* category = nullptr;
 };
 
+/// How many groups, from the outermost on, a line has in common with the one before it (null: there is none).
+std::size_t SharedGroups(const GridLine* before, const GridLine& line);
+
 /// Rows and columns in creation order, one dimension behind another. Groups without categories leave no trace.
 /// The table must outlive it.
 class Grid {
@@ -29,6 +32,8 @@ class Grid {
   std::size_t ColumnOf(const Cell& cell) const;
   /// True when a cell of the table stands in the column.
   bool IsUsed(std::size_t column) const { return fUsed[column]; }
+  /// Positions of the columns to draw: those that have a cell, the first one where none has.
+  std::vector<std::size_t> ShownColumns() const;
 
  private:
   std::vector<GridLine> fRows;

@@ -35,6 +35,12 @@ struct CellContent {
   std::unique_ptr<const ContentOrigin> origin;  // DataValue, Variable; null otherwise
 };
 
+/// True of a number and of a value of a numeric variable.
+inline bool IsNumeric(const CellContent& content) {
+  return content.kind == CellContent::Kind::Number ||
+         (content.kind == CellContent::Kind::DataValue && !content.origin->isString);
+}
+
 using SharedContent = std::shared_ptr<const CellContent>;
 
 struct Cell {

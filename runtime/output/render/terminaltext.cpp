@@ -11,13 +11,13 @@ void AppendHexadecimal(std::string& text, const char* prefix, char32_t character
   for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += kDigits[(character >> shift) & 15U];
 }
 
-void AppendEscape(std::string& text, char32_t character) {
+}  // namespace
+
+void AppendVisibleEscape(std::string& text, char32_t character) {
   if (character < 0x100) return AppendHexadecimal(text, "\\x", character, 2);
   if (character < 0x10000) return AppendHexadecimal(text, "\\u", character, 4);
   AppendHexadecimal(text, "\\U", character, 8);
 }
-
-}  // namespace
 
 std::string EscapeForTerminal(std::string_view text, bool utf8, LineEnds lineEnds) {
   if (IsPlainAscii(text)) return std::string(text);
@@ -36,7 +36,7 @@ std::string EscapeForTerminal(std::string_view text, bool utf8, LineEnds lineEnd
     } else if (character == '\r' && lineEnds == LineEnds::Keep && at < text.size() && text[at] == '\n') {
       continue;
     } else if (!utf8 || IsHidden(character)) {
-      AppendEscape(shown, character);
+      AppendVisibleEscape(shown, character);
     } else if (!valid) {
       shown += "\xEF\xBF\xBD";
     } else {

@@ -15,4 +15,7 @@ enum class LineEnds { Keep, Escape };
 /// stay as they are.
 std::string EscapeForTerminal(std::string_view text, bool utf8, LineEnds lineEnds);
 
+/// A character as such an escape.
+void AppendVisibleEscape(std::string& text, char32_t character);
+
 }  // namespace runtime::output

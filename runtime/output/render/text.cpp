@@ -18,11 +18,6 @@ constexpr std::size_t kFlushedAt = 1 << 16;  // bytes
 
 enum class Groups { Beside, Above };
 
-bool IsNumeric(const CellContent& content) {
-  return content.kind == CellContent::Kind::Number ||
-         (content.kind == CellContent::Kind::DataValue && !content.origin->isString);
-}
-
 // Characters from the decimal sign on.
 int BehindPoint(const CellContent& content) {
   const std::string& text = content.text;
@@ -94,11 +89,7 @@ class TextWriter {
   }
 
   TextTable Build(const Table& table, const Grid& grid, Groups groups) const {
-    std::vector<std::size_t> shown;  // the grid's columns that have a cell
-    for (std::size_t c = 0; c < grid.columns().size(); ++c)
-      if (grid.IsUsed(c)) shown.push_back(c);
-    if (shown.empty() && !grid.columns().empty()) shown.push_back(0);
-
+    const std::vector<std::size_t> shown = grid.ShownColumns();
     const std::size_t stubs = groups == Groups::Beside ? grid.rowDepth() + 1 : 1;
     const std::size_t columns = stubs + shown.size();
     std::vector<TextRow> rows;
@@ -106,11 +97,7 @@ class TextWriter {
     AddHeader(grid, shown, stubs, rows);
     const GridLine* before = nullptr;
     for (const GridLine& line : grid.rows()) {
-      std::size_t shared = 0;
-      if (before != nullptr) {
-        const std::size_t most = std::min(before->groups.size(), line.groups.size());
-        while (shared < most && before->groups[shared] == line.groups[shared]) ++shared;
-      }
+      const std::size_t shared = SharedGroups(before, line);
       const bool sameBlock = before != nullptr && (shared > 0 || (before->groups.empty() && line.groups.empty()));
       const std::size_t first = rows.size();
       if (groups == Groups::Beside) {
