@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "runtime/output/render/csv.h"
 #include "runtime/output/render/json.h"
+#include "runtime/output/render/markdown.h"
 #include "runtime/output/render/text.h"
 
 namespace runtime::output {
@@ -23,6 +25,8 @@ const std::vector<ReportFormat>& ReportFormats() {
   static const std::vector<ReportFormat> formats = {
       {"text", ".txt", NewTextRenderer},
       {"json", ".json", NewJsonRenderer},
+      {"md", ".md", NewMarkdownRenderer},
+      {"csv", ".csv", NewCsvRenderer},
   };
   return formats;
 }
