@@ -23,6 +23,7 @@
 #include "runtime/common/session.h"
 #include "runtime/data/open.h"
 #include "runtime/machine/spillfile.h"
+#include "runtime/output/language/catalog.h"
 #include "runtime/output/render/renderer.h"
 #include "runtime/output/render/terminaltext.h"
 
@@ -79,7 +80,9 @@ int Run(int argc, char** argv) {
   app::Options options = app::ReadOptions(argc, argv);
   if (options.quiet) app::InterruptQuietly();
   const std::string commands = app::CommandText(options);
-  const runtime::output::RenderOptions rendering = app::DescribeTerminal(options.width, options.outputFile.has_value());
+  const std::shared_ptr<const runtime::output::Catalog> catalog = runtime::output::Catalog::Of(options.language);
+  runtime::output::RenderOptions rendering = app::DescribeTerminal(options.width, options.outputFile.has_value());
+  rendering.catalog = catalog.get();
 
   app::Timings timings;
   app::ProgressBar bar(!options.quiet, localeIsUtf8);
@@ -96,6 +99,7 @@ int Run(int argc, char** argv) {
   stages.Begin(app::Stage::Pass, "counting");
   runtime::common::SessionOptions sessionOptions;
   sessionOptions.pool = options.data.pool;
+  sessionOptions.catalog = catalog;
   sessionOptions.percentileMemory =
       options.percentileMemory > 0 ? options.percentileMemory : app::MemoryForPercentiles(opened.columnBytes);
   sessionOptions.onProgress = bar.Listener();

@@ -11,11 +11,13 @@
 #include <sstream>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include <fmt/format.h>
 
 #include "app/memorysize.h"
 #include "runtime/machine/threadpool.h"
+#include "runtime/output/language/catalog.h"
 #include "runtime/output/render/renderer.h"
 
 namespace app {
@@ -42,6 +44,8 @@ constexpr const char* kFooter =
     "could not be read, 4 output or a temporary file could not be written, 70 an internal check failed, 130 "
     "interrupted.";
 
+constexpr const char* kEnglish = "en";
+
 std::string FormatNames() {
   std::string names;
   for (const runtime::output::ReportFormat& format : runtime::output::ReportFormats())
@@ -62,6 +66,19 @@ std::string ChooseFormat(const std::string& asked, const std::optional<std::stri
     throw UsageError(
         fmt::format("The ending of \"{}\" names no format. Say which with -F: {}.", *outputFile, FormatNames()));
   return std::string(format->name);
+}
+
+/// English first, which is the texts' own language.
+std::string LanguageCodes() {
+  std::string codes = kEnglish;
+  for (const std::string& language : runtime::output::Catalog::Languages()) codes += ", " + language;
+  return codes;
+}
+
+void CheckLanguage(const std::string& language) {
+  const std::vector<std::string>& known = runtime::output::Catalog::Languages();
+  if (language == kEnglish || std::find(known.begin(), known.end(), language) != known.end()) return;
+  throw UsageError(fmt::format("There is no language \"{}\". Languages: {}.", language, LanguageCodes()));
 }
 
 bool SameFile(const std::string& a, const std::string& b) {
@@ -182,6 +199,9 @@ Options ReadOptions(int argc, const char* const* argv) {
   const CLI::Option* widthOption =
       cli.add_option("--width", width, "width of text tables in columns (else the terminal's, else 80)")
           ->check(CLI::Range(20, 10000));
+  cli.add_option("--lang", options.language,
+                 "the language of the report's own words: " + LanguageCodes() + "; messages are English")
+      ->type_name("CODE");
   const CLI::Option* memoryOption =
       cli.add_option("--memory-limit", memoryLimit,
                      "memory to keep within, at least 64MB, such as 256MB, 1GB, 512MiB; beyond it columns and\n"
@@ -221,6 +241,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   if (weightOption->count() > 0) options.data.weight = weight;
   if (widthOption->count() > 0) options.width = width;
   if (memoryOption->count() > 0) LimitMemory(memoryLimit, options);
+  CheckLanguage(options.language);
   options.timing = ReadTimingForm(timing);
   if (segmentBytes > 0) options.data.segmentBytes = segmentBytes;
   options.format = ChooseFormat(format, options.outputFile);

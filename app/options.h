@@ -19,6 +19,7 @@ struct Options {
   std::string format;                      // a name that the program can write
   std::optional<std::string> outputFile;   // -o; absent: standard output
   std::optional<int> width;                // of text; absent: the terminal's
+  std::string language = "en";             // of the report's fixed texts; one that the program has
   int threads = 0;                         // 0: as many as the machine gives
   bool quiet = false;                      // no progress, and no word that is neither warning nor error
   TimingForm timing = TimingForm::None;

@@ -5,6 +5,7 @@
 #include "host/common/commonblocks.h"
 #include "host/common/notification.h"
 
+#include "codebook/cbkoutput.h"
 #include "codebook/cbkreport.h"
 #include "codebook/parser/cbkparser.h"
 
@@ -29,7 +30,7 @@ extern "C" HOST_API int LoadNotification(void* module, unsigned int notification
 /// Describes the active dataset as the current command asks. Reports through the message channel and the output only;
 /// an exception of the host passes on, after everything made here was destroyed in reverse order.
 extern "C" HOST_API void CODEBOOK() {
-  BpProcedure procedure("Codebook", 1);
+  BpProcedure procedure(codebook::N_("Codebook"), 1);
   ProcedureDataSource dataSource;
   ParserMessage parserMessage;
   codebook::CodebookRequest request(&dataSource, &parserMessage);

@@ -83,12 +83,13 @@ void CodebookReport::writeFileInformation(double weightedCaseCount) {
     if (const MAVO_DataSource* parent = fDataSource->Parent())
       count = const_cast<MAVO_DataSource*>(parent)->NumberOfCases();
     BpGroup group = rows.Group(fixedText("Number of Cases"), true, BpGroup::kCreationOrder);
-    addCount(group, "Unweighted", count, count >= 0);
-    addCount(group, "Weighted", weightedCaseCount, weightedCaseCount > 0.0);
+    addCount(group, N_("Unweighted"), count, count >= 0);
+    addCount(group, N_("Weighted"), weightedCaseCount, weightedCaseCount > 0.0);
   }
-  if (fSettings->fileInfoAttributes()) addAttributes(rows, "Custom Attributes", fDataSource->GetAttributes(), false);
+  if (fSettings->fileInfoAttributes())
+    addAttributes(rows, N_("Custom Attributes"), fDataSource->GetAttributes(), false);
   if (fSettings->fileInfoReservedAttributes())
-    addAttributes(rows, "Reserved Attributes", fDataSource->GetAttributes(), true);
+    addAttributes(rows, N_("Reserved Attributes"), fDataSource->GetAttributes(), true);
 }
 
 }  // namespace codebook

@@ -14,6 +14,10 @@ namespace codebook {
 /// Where the internal checks of the tables stand.
 inline constexpr const char* kOutputSource = "backend/codebook/cbkoutput";
 
+/// Marks one of the module's own words for the catalogs of other languages, where it does not stand in fixedText
+/// itself. Gives the text as it is.
+constexpr const char* N_(const char* text) { return text; }
+
 /// One of the module's own words, and a text from the data.
 BpString fixedText(const std::string& text);
 BpString dataText(const std::string& text);

@@ -82,7 +82,7 @@ void SetTable::writeStandardAttributes() {
   }
   if (!fSettings.varInfoGiven() || fSettings.varInfoType()) {
     group.Category(fixedText("Type"));
-    fColumns.value.Cell(fixedText(isDichotomySet() ? "Multiple Dichotomy Set" : "Multiple Category Set"));
+    fColumns.value.Cell(fixedText(isDichotomySet() ? N_("Multiple Dichotomy Set") : N_("Multiple Category Set")));
     fAnyRow = true;
   }
 }

@@ -15,30 +15,30 @@ namespace {
 const char* measurementText(int level) {
   switch (level) {
     case MAVO_Variable_Enumerations::kLevelNominal:
-      return "Nominal";
+      return N_("Nominal");
     case MAVO_Variable_Enumerations::kLevelOrdinal:
-      return "Ordinal";
+      return N_("Ordinal");
     case MAVO_Variable_Enumerations::kLevelScale:
-      return "Scale";
+      return N_("Scale");
     default:
-      return "Unknown";
+      return N_("Unknown");
   }
 }
 
 const char* roleText(int role) {
   switch (role) {
     case MAVO_Variable_Enumerations::kRoleTarget:
-      return "Target";
+      return N_("Target");
     case MAVO_Variable_Enumerations::kRoleBoth:
-      return "Both";
+      return N_("Both");
     case MAVO_Variable_Enumerations::kRoleNone:
-      return "None";
+      return N_("None");
     case MAVO_Variable_Enumerations::kRolePartition:
-      return "Partition";
+      return N_("Partition");
     case MAVO_Variable_Enumerations::kRoleSplit:
-      return "Split";
+      return N_("Split");
     default:
-      return "Input";
+      return N_("Input");
   }
 }
 
@@ -152,16 +152,17 @@ void VariableTable::writeStandardAttributes() {
     addRow(group, fixedText(label));
     fColumns.value.Cell(cell);
   };
-  if (shows(fSettings.varInfoPosition())) add("Position", BpNumber(fVariableIndex + 1.0, fCountFormat));
+  if (shows(fSettings.varInfoPosition())) add(N_("Position"), BpNumber(fVariableIndex + 1.0, fCountFormat));
   if (shows(fSettings.varInfoLabel())) {
     const char* label = fVariable.GetLabel();
-    add("Label", label != nullptr ? dataText(label) : noneText());
+    add(N_("Label"), label != nullptr ? dataText(label) : noneText());
   }
-  if (shows(fSettings.varInfoType())) add("Type", fixedText(fVariable.GetType() == 0 ? "Numeric" : "String"));
-  if (shows(fSettings.varInfoFormat())) add("Format", dataText(formatText(fVariable.GetWriteFormatEx())));
+  if (shows(fSettings.varInfoType()))
+    add(N_("Type"), fixedText(fVariable.GetType() == 0 ? N_("Numeric") : N_("String")));
+  if (shows(fSettings.varInfoFormat())) add(N_("Format"), dataText(formatText(fVariable.GetWriteFormatEx())));
   if (shows(fSettings.varInfoMeasure()))
-    add("Measurement", fixedText(measurementText(fVariable.GetMeasurementLevel())));
-  if (shows(fSettings.varInfoRole())) add("Role", fixedText(roleText(fVariable.GetRole())));
+    add(N_("Measurement"), fixedText(measurementText(fVariable.GetMeasurementLevel())));
+  if (shows(fSettings.varInfoRole())) add(N_("Role"), fixedText(roleText(fVariable.GetRole())));
 }
 
 /// Of the reserved ones no hidden test is made here, unlike in the file's table.
@@ -200,16 +201,16 @@ void VariableTable::writeScaleStatistics() {
   };
 
   BpGroup counts = fRows.Group(fixedText("N"), true, BpGroup::kCreationOrder);
-  add(counts, "Valid", TableEncryptionCodes::kValid, true, fCountFormat);
-  add(counts, "Missing", TableEncryptionCodes::kMissing, true, fCountFormat);
+  add(counts, N_("Valid"), TableEncryptionCodes::kValid, true, fCountFormat);
+  add(counts, N_("Missing"), TableEncryptionCodes::kMissing, true, fCountFormat);
 
   BpGroup moments = fRows.Group(fixedText("Central Tendency and Dispersion"), true, BpGroup::kCreationOrder);
-  add(moments, "Mean", TableEncryptionCodes::kMean, fStatisticsByDefault || fSettings.statMean(), fMeanFormat);
-  add(moments, "Standard Deviation", TableEncryptionCodes::kStdDev, fStatisticsByDefault || fSettings.statStdDev(),
+  add(moments, N_("Mean"), TableEncryptionCodes::kMean, fStatisticsByDefault || fSettings.statMean(), fMeanFormat);
+  add(moments, N_("Standard Deviation"), TableEncryptionCodes::kStdDev, fStatisticsByDefault || fSettings.statStdDev(),
       fStdDevFormat);
   const std::size_t percentiles = codePosition(TableEncryptionCodes::kPercentile);
   if ((fStatisticsByDefault || fSettings.statQuartiles()) && results.size() == percentiles + 3) {
-    constexpr const char* kLabels[] = {"Percentile 25", "Percentile 50", "Percentile 75"};
+    constexpr const char* kLabels[] = {N_("Percentile 25"), N_("Percentile 50"), N_("Percentile 75")};
     for (std::size_t j = 0; j < 3; ++j) {
       addRow(moments, fixedText(kLabels[j]));
       fColumns.value.Cell(BpNumber(results[percentiles + j], fMeanFormat));

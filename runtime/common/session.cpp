@@ -7,6 +7,7 @@
 #include "runtime/common/passprogress.h"
 #include "runtime/common/statisticswatch.h"
 #include "runtime/output/binding.h"
+#include "runtime/output/language/catalog.h"
 #include "runtime/parser/binding.h"
 #include "runtime/parser/commandtext.h"
 #include "runtime/parser/unknowncommand.h"
@@ -45,6 +46,7 @@ class Session::Binding {
         }) {
     fCommand.sink = &messages;
     fOutput.report = &session.fReport;
+    fOutput.catalog = session.fOptions.catalog.get();
     fOutput.dataset = session.fDataset;
     fOutput.datasetUnusable = session.fDataset == nullptr;
     fOutput.onCursorOpened = [this, &session, &messages](CaseCursor* cursor) {
@@ -104,7 +106,9 @@ class Session::Binding {
 };
 
 Session::Session(std::shared_ptr<const data::Dataset> dataset, ProcedureTable procedures, SessionOptions options)
-    : fDataset(std::move(dataset)), fProcedures(std::move(procedures)), fOptions(std::move(options)) {}
+    : fDataset(std::move(dataset)), fProcedures(std::move(procedures)), fOptions(std::move(options)) {
+  if (fOptions.catalog != nullptr) fReport.language = fOptions.catalog->language();
+}
 
 Session::~Session() = default;
 

@@ -14,6 +14,10 @@
 #include "runtime/machine/threadpool.h"
 #include "runtime/output/model/report.h"
 
+namespace runtime::output {
+class Catalog;
+}
+
 namespace runtime::common {
 
 /// Procedures by command name, in upper case.
@@ -24,6 +28,8 @@ struct SessionOptions {
   /// Bytes of memory that the values kept for percentiles may take; what is beyond goes to a temporary file. 0: no
   /// limit.
   std::int64_t percentileMemory = 0;
+  /// Of the language of the report's fixed texts; null: English. Messages are always English.
+  std::shared_ptr<const output::Catalog> catalog;
   machine::ProgressListener onProgress;  // of a pass over the cases
   /// Called when a procedure asks for the cases, when the results behind the pass begin to be computed, and when the
   /// first table behind either is opened; for timings. May be empty.

@@ -15,9 +15,12 @@ class Dataset;
 
 namespace runtime::output {
 
+class Catalog;
+
 struct OutputBinding {
   Report* report = nullptr;                               // receives procedures and tables
   std::shared_ptr<const runtime::data::Dataset> dataset;  // the active dataset; null: none
+  const Catalog* catalog = nullptr;                       // of the language of fixed texts; null: English
   bool datasetUnusable = false;                           // what FatalError tells
   /// A procedure asked for the cases; null when there are none to be had.
   std::function<void(CaseCursor* cursor)> onCursorOpened;

@@ -1,12 +1,17 @@
 // The program's fixed texts in other languages.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace runtime::output {
+
+/// Marks an English text for the catalogs where it is not translated at once. Gives the text itself.
+constexpr const char* N_(const char* text) { return text; }
 
 /// The fixed texts of one language, from a compiled gettext catalog that is part of the program. Texts from the data
 /// are never looked up. May be used by several threads.
@@ -18,7 +23,7 @@ class Catalog {
   static std::shared_ptr<const Catalog> Of(std::string_view language);
 
   /// `compiled` is the content of a .mo file of either byte order; it must outlive the catalog. Throws
-  /// std::runtime_error when it is none.
+  /// std::runtime_error, which says what is wrong, when it is none, or holds texts that are not in UTF-8.
   Catalog(std::string language, std::string_view compiled);
 
   const std::string& language() const { return fLanguage; }
@@ -26,8 +31,21 @@ class Catalog {
   std::string_view Translate(std::string_view text) const;
 
  private:
+  /// Where the lengths and places of the English texts and of the translations stand.
+  enum class List { Texts, Translations };
+
+  std::uint32_t NumberAt(std::size_t place) const;
+  std::string_view TextOf(List list, std::size_t index) const;
+  void CheckHeader();
+  void CheckTexts() const;
+  [[noreturn]] void Refuse(const std::string& reason) const;
+
   std::string fLanguage;
   std::string_view fCompiled;
+  bool fSwapped = false;  // written in the other byte order
+  std::uint32_t fCount = 0;
+  std::uint32_t fTexts = 0;  // places of the two lists
+  std::uint32_t fTranslations = 0;
 };
 
 /// The text in the catalog's language; the text itself where the catalog is null.

@@ -3,7 +3,9 @@
 #include <string_view>
 #include <utility>
 
+#include "runtime/output/binding.h"
 #include "runtime/output/format/valueformat.h"
+#include "runtime/output/language/catalog.h"
 #include "runtime/output/model/report.h"
 
 using runtime::output::CellContent;
@@ -12,9 +14,16 @@ using runtime::output::SharedContent;
 
 namespace {
 
+/// A procedure's own word in the language of the report.
+std::string Translated(std::string text) {
+  const runtime::output::OutputBinding* binding = runtime::output::CurrentOutput();
+  if (binding == nullptr || binding->catalog == nullptr) return text;
+  return std::string(binding->catalog->Translate(text));
+}
+
 SharedContent TextContent(std::string text, bool fixed) {
   auto content = std::make_shared<CellContent>();
-  content->text = std::move(text);
+  content->text = fixed ? Translated(std::move(text)) : std::move(text);
   content->fixed = fixed;
   return content;
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "runtime/output/format/kinds.h"
+#include "runtime/output/language/catalog.h"
 #include "runtime/output/model/grid.h"
 #include "runtime/output/render/terminaltext.h"
 #include "runtime/output/render/texttable.h"
@@ -53,7 +54,7 @@ class TextWriter {
 
   void WriteHeading(const std::string& title) {
     BeginBlock();
-    const std::string shown = Harmless(title);
+    const std::string shown = Harmless(std::string(Translate(fOptions.catalog, title)));
     WriteBold(shown);
     const int width = std::clamp(WidestLine(shown), 1, fOptions.width);
     for (int i = 0; i < width; ++i) fPage += fOptions.utf8 ? "═" : "=";
@@ -74,7 +75,7 @@ class TextWriter {
     WriteBold(Harmless(table.title->text));
     const Grid grid(table);
     if (grid.rows().empty()) {
-      fPage += "(no rows)\n";
+      fPage += Harmless(std::string(Translate(fOptions.catalog, "(no rows)"))) + '\n';
       return;
     }
     const TextTable beside = Build(table, grid, Groups::Beside);
