@@ -8,10 +8,9 @@
 #include <string_view>
 #include <vector>
 
-namespace runtime::output {
+#include "runtime/output/language/marking.h"
 
-/// Marks an English text for the catalogs where it is not translated at once. Gives the text itself.
-constexpr const char* N_(const char* text) { return text; }
+namespace runtime::output {
 
 /// The fixed texts of one language, from a compiled gettext catalog that is part of the program. Texts from the data
 /// are never looked up. May be used by several threads.
