@@ -79,6 +79,7 @@ void SayTimings(app::TimingForm form, app::Timings& timings) {
 int Run(int argc, char** argv) {
   app::Options options = app::ReadOptions(argc, argv);
   if (options.quiet) app::InterruptQuietly();
+  if (!options.outputFile && app::StandardOutputIsTerminal()) app::CheckThatTerminalsShow(options.format);
   const std::string commands = app::CommandText(options);
   const std::shared_ptr<const runtime::output::Catalog> catalog = runtime::output::Catalog::Of(options.language);
   runtime::output::RenderOptions rendering = app::DescribeTerminal(options.width, options.outputFile.has_value());
@@ -116,7 +117,7 @@ int Run(int argc, char** argv) {
   bar.End();
   try {
     app::WriteReportTo(options.outputFile, [&](std::ostream& out) { renderer->Render(session.report(), out); });
-  } catch (const app::OutputError&) {
+  } catch (...) {
     SayMessages(session.report());
     throw;
   }
@@ -134,6 +135,7 @@ int main(int argc, char** argv) {
   mallopt(M_ARENA_MAX, 1);
   app::SecureStandardStreams();
   app::ReportClosedPipes();
+  app::ReportLimitedFiles();
   app::HandleInterrupts();
   std::setlocale(LC_CTYPE, "");
   localeIsUtf8 = app::DescribeTerminal(std::nullopt, false).utf8;
@@ -157,6 +159,9 @@ int main(int argc, char** argv) {
     Say(std::string("error: ") + error.what());
     return app::kNoOutput;
   } catch (const runtime::machine::SpillError& error) {
+    Say(std::string("error: ") + error.what());
+    return app::kNoOutput;
+  } catch (const runtime::output::RenderError& error) {
     Say(std::string("error: ") + error.what());
     return app::kNoOutput;
   } catch (const InternalCheckFailure& failure) {

@@ -46,6 +46,14 @@ constexpr const char* kFooter =
 
 constexpr const char* kEnglish = "en";
 
+/// The endings that name a format, for who has written another one.
+std::string FormatEndings() {
+  std::string endings;
+  for (const runtime::output::ReportFormat& format : runtime::output::ReportFormats())
+    endings += (endings.empty() ? "" : ", ") + std::string(format.ending);
+  return endings;
+}
+
 std::string FormatNames() {
   std::string names;
   for (const runtime::output::ReportFormat& format : runtime::output::ReportFormats())
@@ -63,8 +71,8 @@ std::string ChooseFormat(const std::string& asked, const std::optional<std::stri
   if (!outputFile) return std::string(runtime::output::ReportFormats().front().name);
   const runtime::output::ReportFormat* format = runtime::output::ReportFormatOfFile(*outputFile);
   if (format == nullptr)
-    throw UsageError(
-        fmt::format("The ending of \"{}\" names no format. Say which with -F: {}.", *outputFile, FormatNames()));
+    throw UsageError(fmt::format("The ending of \"{}\" names no format ({} do). Say which with -F: {}.", *outputFile,
+                                 FormatEndings(), FormatNames()));
   return std::string(format->name);
 }
 
@@ -247,6 +255,13 @@ Options ReadOptions(int argc, const char* const* argv) {
   options.format = ChooseFormat(format, options.outputFile);
   Check(options);
   return options;
+}
+
+void CheckThatTerminalsShow(const std::string& format) {
+  const runtime::output::ReportFormat* const written = runtime::output::FindReportFormat(format);
+  if (written != nullptr && written->isBinary)
+    throw UsageError(
+        fmt::format("A terminal cannot show the format {}. Name a file for it: -o FILE{}.", format, written->ending));
 }
 
 std::string CommandText(const Options& options) {

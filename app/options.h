@@ -40,6 +40,9 @@ struct TextWanted {
 /// Reads the command line. Throws UsageError, or TextWanted for --help and --version.
 Options ReadOptions(int argc, const char* const* argv);
 
+/// Throws UsageError when the format is no text that a terminal could show.
+void CheckThatTerminalsShow(const std::string& format);
+
 /// The text of the commands to run: that of -c, of the file of -f, or the program's own. Throws UsageError.
 std::string CommandText(const Options& options);
 

@@ -143,4 +143,6 @@ void SecureStandardStreams() {
 
 void ReportClosedPipes() { std::signal(SIGPIPE, SIG_IGN); }
 
+void ReportLimitedFiles() { std::signal(SIGXFSZ, SIG_IGN); }
+
 }  // namespace app

@@ -28,4 +28,7 @@ void SecureStandardStreams();
 /// A pipe that its reader has closed is from now on an error to report, not a reason to die silently.
 void ReportClosedPipes();
 
+/// A file that may not grow any further (a limit of the process) is so too.
+void ReportLimitedFiles();
+
 }  // namespace app

@@ -21,9 +21,11 @@ int TerminalWidth() {
 
 }  // namespace
 
+bool StandardOutputIsTerminal() { return ::isatty(STDOUT_FILENO) != 0; }
+
 runtime::output::RenderOptions DescribeTerminal(std::optional<int> askedWidth, bool toFile) {
   runtime::output::RenderOptions options;
-  const bool onTerminal = !toFile && ::isatty(STDOUT_FILENO) != 0;
+  const bool onTerminal = !toFile && StandardOutputIsTerminal();
   options.width = askedWidth.value_or(onTerminal ? TerminalWidth() : kDefaultWidth);
   options.utf8 = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
   options.color = onTerminal && std::getenv("NO_COLOR") == nullptr;

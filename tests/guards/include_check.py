@@ -23,6 +23,10 @@ VISIBLE = [
     ("runtime/common", ["host", "runtime"]),
     ("runtime/machine", ["runtime/machine"]),
     ("runtime/aggregation", ["runtime/aggregation", "runtime/machine", "host/aggregation", "host/data", "host/common"]),
+    (
+        "runtime/output/render/xlsx",
+        ["runtime/output", "runtime/machine", "host/output", "host/data", "host/common"],
+    ),
     ("runtime/output", ["runtime/output", "host/output", "host/data", "host/common"]),
     ("runtime/parser", ["runtime/parser", "host/parser", "host/common"]),
     ("runtime/data", ["runtime/data", "runtime/machine", "host/data", "host/common"]),
@@ -40,6 +44,7 @@ LIBRARIES = [
     ("gmpxx.h", ["runtime/aggregation/exact", "tests"]),
     ("duckdb.h", ["runtime/data/source", "tests/cells", "bench"]),
     ("hwy/", ["runtime/data/csv"]),
+    ("xlsxwriter.h", ["runtime/output/render/xlsx"]),
     ("CLI/", ["app"]),
     ("gtest/", ["tests"]),
     ("gmock/", ["tests"]),
@@ -47,7 +52,8 @@ LIBRARIES = [
 ]
 
 # The operating system: files, memory, threads and the loading of libraries, for who talks to it.
-SYSTEM_FOLDERS = ["runtime/machine", "runtime/data", "runtime/aggregation", "runtime/common", "app", "tests", "bench"]
+SYSTEM_FOLDERS = """runtime/machine runtime/data runtime/aggregation runtime/output/render/xlsx runtime/common app tests
+    bench""".split()
 SYSTEM = """dirent.h dlfcn.h fcntl.h langinfo.h malloc.h poll.h pthread.h sched.h signal.h spawn.h termios.h time.h unistd.h
     sys/ioctl.h sys/mman.h sys/resource.h sys/stat.h sys/statvfs.h sys/time.h sys/types.h sys/uio.h sys/wait.h
     immintrin.h""".split()

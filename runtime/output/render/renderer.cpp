@@ -6,6 +6,7 @@
 #include "runtime/output/render/json.h"
 #include "runtime/output/render/markdown.h"
 #include "runtime/output/render/text.h"
+#include "runtime/output/render/xlsx/xlsx.h"
 
 namespace runtime::output {
 namespace {
@@ -27,6 +28,7 @@ const std::vector<ReportFormat>& ReportFormats() {
       {"json", ".json", NewJsonRenderer},
       {"md", ".md", NewMarkdownRenderer},
       {"csv", ".csv", NewCsvRenderer},
+      {"xlsx", ".xlsx", NewXlsxRenderer, true, true},
   };
   return formats;
 }

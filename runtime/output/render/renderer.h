@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,12 @@ struct RenderOptions {
   const Catalog* catalog = nullptr;
 };
 
+/// A format cannot hold or make what the report asks for; what() says why.
+class RenderError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 /// Writes a report in one format. Same report and options, same bytes. Renderers only read the report, and one renderer
 /// may be used for several reports.
 class Renderer {
@@ -32,7 +39,7 @@ class Renderer {
   Renderer(const Renderer&) = delete;
   Renderer& operator=(const Renderer&) = delete;
 
-  /// Whether all was written is told by the stream's state.
+  /// Whether all was written is told by the stream's state. Formats that are made by a library throw RenderError.
   virtual void Render(const Report& report, std::ostream& out) const = 0;
 };
 
@@ -41,6 +48,7 @@ struct ReportFormat {
   std::string_view name;    // as --format takes it
   std::string_view ending;  // of file names, with its period
   std::unique_ptr<Renderer> (*newRenderer)(const RenderOptions& options);
+  bool isBinary = false;       // not for terminals
   bool wantsSketches = false;  // draws what the procedures' sketches hold
 };
 
