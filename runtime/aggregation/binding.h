@@ -20,8 +20,10 @@ struct AggregationBinding {
   /// Called with it, for a pass that went through all cases from the first to the last: the sum of their weights, exact
   /// and rounded once (NaN where it is beyond the largest double). May be empty.
   std::function<void(double weight)> onCasesWeighed;
-  /// Called once for every table whose results were computed, when they are, on the thread of the binding, in the order
-  /// in which the tables were made. Empty: nobody wants to know, and no values are kept for it.
+  /// Called once for every table that has counted every case of its cursor, when its results are asked for, on that
+  /// thread. A table that did not take all cases tells nothing: its sums would pass for those of all. Whether it is set
+  /// when a cursor's first table is made holds for the cursor. Empty: nobody wants to know, and no values are kept for
+  /// it.
   std::function<void(ItemSketch&& sketch)> onCounted;
   /// A mean, standard deviation or percentile of the variable (dictionary index) was read from a table's results.
   std::function<void(int variable)> onScaleStatisticRead;

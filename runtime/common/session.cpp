@@ -1,13 +1,17 @@
 #include "runtime/common/session.h"
 
+#include <cmath>
 #include <utility>
 #include <vector>
 
 #include "runtime/aggregation/binding.h"
+#include "runtime/common/itemsketches.h"
 #include "runtime/common/passprogress.h"
+#include "runtime/common/reportfacts.h"
 #include "runtime/common/statisticswatch.h"
 #include "runtime/output/binding.h"
 #include "runtime/output/language/catalog.h"
+#include "runtime/output/model/methodnotes.h"
 #include "runtime/parser/binding.h"
 #include "runtime/parser/commandtext.h"
 #include "runtime/parser/unknowncommand.h"
@@ -41,7 +45,7 @@ class Session::Messages : public parser::MessageSink {
 class Session::Binding {
  public:
   Binding(Session& session, Messages& messages)
-      : fWatch([&messages](const std::string& text) {
+      : fReport(session.fReport), fWatch([&messages](const std::string& text) {
           messages.Add(output::Severity::Warning, output::Source::Host, text);
         }) {
     fCommand.sink = &messages;
@@ -68,6 +72,11 @@ class Session::Binding {
       fBeforeTables = true;
       if (session.fOptions.onResultsBegin) session.fOptions.onResultsBegin();
     };
+    if (session.fOptions.sketches)
+      fAggregation.onCounted = [this](aggregation::ItemSketch&& sketch) { fCounted.push_back(std::move(sketch)); };
+    fAggregation.onCasesWeighed = [&session](double weight) {
+      if (session.fReport.facts && std::isfinite(weight)) session.fReport.facts->weightedCases = weight;
+    };
     fAggregation.onScaleStatisticRead = [this, &session](int variable) {
       fWatch.StatisticRead(session.fDataset->dictionary().variables[static_cast<std::size_t>(variable)]->name);
     };
@@ -89,12 +98,19 @@ class Session::Binding {
     fCommand.command = &command;
     fWatch.NoTable();
     fProgress.clear();
+    fCounted.clear();
+    const std::size_t proceduresBefore = fReport.procedures.size();
     entry();
     fCommand.command = nullptr;
+    if (fCounted.empty() || fReport.procedures.size() == proceduresBefore) return;
+    output::Procedure& procedure = *fReport.procedures.back();
+    procedure.sketches = SketchesOf(fCounted, fOutput.dataset->dictionary(), procedure);
   }
 
  private:
+  output::Report& fReport;
   StatisticsWatch fWatch;
+  std::vector<aggregation::ItemSketch> fCounted;         // by the present command
   std::vector<std::unique_ptr<PassProgress>> fProgress;  // one a cursor that the present command asked for
   bool fBeforeTables = false;
   parser::CommandBinding fCommand;
@@ -107,10 +123,17 @@ class Session::Binding {
 
 Session::Session(std::shared_ptr<const data::Dataset> dataset, ProcedureTable procedures, SessionOptions options)
     : fDataset(std::move(dataset)), fProcedures(std::move(procedures)), fOptions(std::move(options)) {
+  if (fDataset != nullptr) fReport.facts = FactsOf(*fDataset);
   if (fOptions.catalog != nullptr) fReport.language = fOptions.catalog->language();
 }
 
 Session::~Session() = default;
+
+void Session::CompleteFacts() {
+  if (!fReport.facts) return;
+  fReport.facts->items = DescribedItems(fDataset->dictionary(), fReport);
+  fReport.facts->notes = output::MethodNotes(fReport, fOptions.catalog.get());
+}
 
 bool Session::Run(const std::string& text) {
   std::vector<std::string> known;
@@ -127,6 +150,7 @@ bool Session::Run(const std::string& text) {
       binding.Call(command, procedure->second);
     if (messages.TakeStopped()) allDone = false;
   }
+  CompleteFacts();
   return allDone;
 }
 

@@ -30,6 +30,8 @@ struct SessionOptions {
   std::int64_t percentileMemory = 0;
   /// Of the language of the report's fixed texts; null: English. Messages are always English.
   std::shared_ptr<const output::Catalog> catalog;
+  /// Whether what is counted of the items is wanted beside the tables.
+  bool sketches = false;
   machine::ProgressListener onProgress;  // of a pass over the cases
   /// Called when a procedure asks for the cases, when the results behind the pass begin to be computed, and when the
   /// first table behind either is opened; for timings. May be empty.
@@ -53,12 +55,16 @@ class Session {
   /// runs.
   bool Run(const std::string& text);
 
-  /// Everything that the commands so far reported, messages and tables.
+  /// Everything that the commands so far reported, messages and tables, and the facts of the dataset, none when there
+  /// is no dataset.
   output::Report& report() { return fReport; }
 
  private:
   class Messages;
   class Binding;
+
+  /// The facts of the report that depend on what the commands have shown.
+  void CompleteFacts();
 
   std::shared_ptr<const data::Dataset> fDataset;
   ProcedureTable fProcedures;

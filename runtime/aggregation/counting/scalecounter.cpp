@@ -8,6 +8,7 @@
 
 #include "runtime/aggregation/counting/cellsums.h"
 #include "runtime/aggregation/counting/percentiles.h"
+#include "runtime/aggregation/sketch/histogram.h"
 
 namespace runtime::aggregation {
 
@@ -69,13 +70,14 @@ int VariableOf(const std::vector<AggregationStatistic>& statistics, const MAVO_D
 }  // namespace
 
 ScaleCounter::ScaleCounter(std::vector<AggregationStatistic> statistics, const MAVO_DataSource& source,
-                           std::shared_ptr<ValueMemory> memory)
+                           std::shared_ptr<ValueMemory> memory, bool sketches)
     : fStatistics(std::move(statistics)),
       fIndex(VariableOf(fStatistics, source)),
       fMissing(fIndex < 0 ? MissingRule() : source.GetVariable(fIndex).GetMissingRule()),
       fIsString(fIndex >= 0 && source.GetVariable(fIndex).GetType() > 0),
-      fWantsMoments(Asks(kMean) || Asks(kStdDev)),
-      fWantsPercentiles(Asks(kPercentile)),
+      fSketches(sketches && hasNumbers()),
+      fWantsMoments(fSketches || Asks(kMean) || Asks(kStdDev)),
+      fWantsPercentiles(fSketches || Asks(kPercentile)),
       fSlots(fIsString),
       fCountsValues(fIsString || fWantsMoments || fWantsPercentiles),
       fValues(std::move(memory)) {
@@ -231,60 +233,86 @@ void ScaleCounter::AddCountedMoments(const std::vector<std::pair<double, WeightT
   fMoments.AddInUnits(values.data(), units.data(), shift, values.size());
 }
 
-std::vector<double> ScaleCounter::Finish() {
-  WeightedValues values;
-  auto& counted = values.counted;
-  WeightTotal valid = fSums.Total(kOtherValidSlot);
-  WeightTotal missing = fSums.Total(kSystemMissingSlot);
+/// Fills fFinished and the two totals.
+void ScaleCounter::SumSlots() {
+  auto& counted = fFinished.counted;
+  fValid = fSums.Total(kOtherValidSlot);
+  fMissingTotal = fSums.Total(kSystemMissingSlot);
   for (std::size_t slot = kFirstValueSlot; slot < fSums.slots(); ++slot) {
     if (fSums.IsZero(slot)) continue;
     const WeightTotal weight = fSums.Total(slot);
     if (fSlots.IsUserMissing(slot, fMissing)) {
-      missing += weight;
+      fMissingTotal += weight;
       continue;
     }
-    valid += weight;
+    fValid += weight;
     if (fIsString) continue;
     if (fWantsMoments || fWantsPercentiles) counted.emplace_back(fSlots.numbers().value(slot), weight);
   }
+  std::sort(counted.begin(), counted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  fFinished.kept = &fValues;
+}
+
+WeightTotal ScaleCounter::total() const {
+  WeightTotal total = fValid;
+  total += fMissingTotal;
+  return total;
+}
+
+ItemSketch ScaleCounter::Sketch() const {
+  ItemSketch sketch;
+  sketch.variable = fIndex;
+  sketch.total = NearestDouble(total());
+  sketch.missing = NearestDouble(fMissingTotal);
+  if (!hasNumbers() || fValid.IsZero()) return sketch;
+  sketch.mean = fMoments.Mean(fValid);
+  sketch.quartiles = fQuartiles;
+  sketch.bins = Histogram(fFinished, fValid, fQuartiles);
+  return sketch;
+}
+
+std::vector<double> ScaleCounter::Finish() {
+  SumSlots();
   SumPending();
-  if (fWantsMoments) AddCountedMoments(counted);
-  WeightTotal total = valid;
-  total += missing;
+  if (fWantsMoments) AddCountedMoments(fFinished.counted);
 
   std::vector<double> cutPoints;
   for (const AggregationStatistic& statistic : fStatistics)
     if (statistic.GetSummaryStatistic() == kPercentile) cutPoints.push_back(statistic.GetPTileCutPoint());
-  const bool hasNumbers = fIndex >= 0 && !fIsString;
-  std::sort(counted.begin(), counted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-  values.kept = &fValues;
-  const std::vector<double> percentiles =
-      hasNumbers ? Percentiles(values, valid, cutPoints) : std::vector<double>(cutPoints.size(), kSystemMissingValue);
+  std::array<std::size_t, 3> places{};  // of the quartiles among the cut points
+  for (std::size_t i = 0; fSketches && i < places.size(); ++i) {
+    const double quartile = 25.0 * static_cast<double>(i + 1);
+    places[i] = static_cast<std::size_t>(std::find(cutPoints.begin(), cutPoints.end(), quartile) - cutPoints.begin());
+    if (places[i] == cutPoints.size()) cutPoints.push_back(quartile);
+  }
+  const std::vector<double> percentiles = hasNumbers() ? Percentiles(fFinished, fValid, cutPoints)
+                                                       : std::vector<double>(cutPoints.size(), kSystemMissingValue);
+  for (std::size_t i = 0; fSketches && i < places.size(); ++i) fQuartiles.push_back(percentiles[places[i]]);
   std::vector<double> results;
   std::size_t percentile = 0;
   for (const AggregationStatistic& statistic : fStatistics) {
     switch (statistic.GetSummaryStatistic()) {
       case kValid:
-        results.push_back(NearestDouble(valid));
+        results.push_back(NearestDouble(fValid));
         break;
       case kMissing:
-        results.push_back(NearestDouble(missing));
+        results.push_back(NearestDouble(fMissingTotal));
         break;
       case kMean:
-        results.push_back(hasNumbers ? fMoments.Mean(valid) : kSystemMissingValue);
+        results.push_back(hasNumbers() ? fMoments.Mean(fValid) : kSystemMissingValue);
         break;
       case kStdDev:
-        results.push_back(hasNumbers ? fMoments.StandardDeviation(valid) : kSystemMissingValue);
+        results.push_back(hasNumbers() ? fMoments.StandardDeviation(fValid) : kSystemMissingValue);
         break;
       case kPercentile:
         results.push_back(percentiles[percentile++]);
         break;
       case kCount:
       case kTotal:
-        results.push_back(NearestDouble(total));
+        results.push_back(NearestDouble(total()));
         break;
       case kPercent:
-        results.push_back(Percent(total, total));
+        results.push_back(Percent(total(), total()));
         break;
     }
   }

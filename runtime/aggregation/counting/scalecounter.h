@@ -12,9 +12,11 @@
 
 #include "runtime/aggregation/counting/chunk.h"
 #include "runtime/aggregation/counting/keptvalues.h"
+#include "runtime/aggregation/counting/selection.h"
 #include "runtime/aggregation/counting/valueslots.h"
 #include "runtime/aggregation/counting/weightsums.h"
 #include "runtime/aggregation/exact/moments.h"
+#include "runtime/aggregation/sketch/itemsketch.h"
 
 namespace runtime::aggregation {
 
@@ -23,15 +25,19 @@ namespace runtime::aggregation {
 class ScaleCounter {
  public:
   /// All statistics name one variable, or none. A variable that is not in the dictionary has no valid value.
-  /// `memory` is where values are kept; null: without limit.
+  /// `memory` is where values are kept; null: without limit. `sketches`: Sketch will be asked for.
   ScaleCounter(std::vector<AggregationStatistic> statistics, const MAVO_DataSource& source,
-               std::shared_ptr<ValueMemory> memory);
+               std::shared_ptr<ValueMemory> memory, bool sketches = false);
 
   /// Throws machine::SpillError, as does Finish.
   void CountRows(const Chunk& chunk, std::size_t first, std::size_t count);
-  /// The values of the statistics, parallel to their list. System-missing is NaN. REQUIRES: after this nothing but the
-  /// destructor is called.
+  /// The values of the statistics, parallel to their list. System-missing is NaN. REQUIRES: after this no more rows are
+  /// counted, nor is this called again.
   std::vector<double> Finish();
+  /// The weight of all rows. REQUIRES: Finish.
+  WeightTotal total() const;
+  /// What was counted of the variable. Throws machine::SpillError. REQUIRES: Finish; constructed with `sketches`.
+  ItemSketch Sketch() const;
 
   /// Values from which Finish has to select.
   std::size_t keptValues() const { return static_cast<std::size_t>(fValues.count()) + fSlots.size(); }
@@ -45,11 +51,14 @@ class ScaleCounter {
   std::size_t TakeIntoBlock(const double* values, std::size_t count, const ChunkWeights& weights, std::size_t row);
   void SumPending();
   void AddCountedMoments(const std::vector<std::pair<double, WeightTotal>>& counted);
+  void SumSlots();
+  bool hasNumbers() const { return fIndex >= 0 && !fIsString; }
 
   std::vector<AggregationStatistic> fStatistics;
   int fIndex;  // negative: no such variable
   MissingRule fMissing;
   bool fIsString;
+  bool fSketches;
   bool fWantsMoments;
   bool fWantsPercentiles;
   ValueSlots fSlots;
@@ -64,6 +73,12 @@ class ScaleCounter {
   std::size_t fSummed = 0;
   bool fPendingIsNarrow = true;  // weights of the pending values: whole multiples of 2^-fPendingShift
   int fPendingShift = 0;
+
+  // Of Finish.
+  WeightedValues fFinished;
+  WeightTotal fValid;
+  WeightTotal fMissingTotal;
+  std::vector<double> fQuartiles;  // with sketches, where there are numbers
 };
 
 }  // namespace runtime::aggregation

@@ -35,6 +35,11 @@ std::int64_t MemoryForValues() {
   return binding == nullptr ? 0 : binding->percentileMemory;
 }
 
+bool AreSketchesWanted() {
+  const AggregationBinding* binding = CurrentAggregation();
+  return binding != nullptr && binding->onCounted;
+}
+
 }  // namespace
 
 std::shared_ptr<CursorWork> CursorWork::Of(CaseCursor& cursor) {
@@ -48,6 +53,7 @@ std::shared_ptr<CursorWork> CursorWork::Of(CaseCursor& cursor) {
 CursorWork::CursorWork(CaseCursor& cursor)
     : fCursor(&cursor),
       fChunk{&cursor, {}},
+      fWantsSketches(AreSketchesWanted()),
       fFromTheBeginning(cursor.chunkBegin == 0 && !cursor.exhausted()),
       fMemory(std::make_shared<ValueMemory>(MemoryForValues())) {
   fAllCases.Resize(1);
@@ -158,11 +164,12 @@ void CursorWork::FinishTables() {
       fTables.end());
   // The longest work first, so that no thread is left alone with it at the end.
   std::stable_sort(costs.begin(), costs.end(), [](const Cost& a, const Cost& b) { return a.values > b.values; });
+  const std::optional<WeightTotal> allCases = AllCases();
   machine::ThreadPool* pool = PoolOfThread();
   if (pool == nullptr || values < kValuesWorthSharing)
-    for (const Cost& cost : costs) cost.table->ComputeResults();
+    for (const Cost& cost : costs) cost.table->ComputeResults(allCases);
   else
-    pool->ForEach(costs.size(), [&costs](std::size_t i) { costs[i].table->ComputeResults(); });
+    pool->ForEach(costs.size(), [&](std::size_t i) { costs[i].table->ComputeResults(allCases); });
   for (const Cost& cost : costs) cost.table->Detach();
 }
 
@@ -170,8 +177,9 @@ void CursorWork::CursorGone() {
   CursorsOfThread().erase(fCursor);
   // Tables take themselves off the list, and the last one takes this object with it.
   const std::vector<TableEngine*> tables = std::exchange(fTables, {});
+  const std::optional<WeightTotal> allCases = AllCases();
   fCursor = nullptr;
-  for (TableEngine* table : tables) table->CursorGone();
+  for (TableEngine* table : tables) table->CursorGone(allCases);
 }
 
 }  // namespace runtime::aggregation

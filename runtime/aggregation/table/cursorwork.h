@@ -42,6 +42,8 @@ class CursorWork : public ChunkListener {
   /// share the work.
   void SearchAhead();
 
+  /// Whether the tables are to sketch what they count.
+  bool wantsSketches() const { return fWantsSketches; }
   /// Where the tables keep values.
   const std::shared_ptr<ValueMemory>& memory() const { return fMemory; }
   /// The results of a table are about to be computed.
@@ -65,7 +67,8 @@ class CursorWork : public ChunkListener {
   std::vector<TableEngine*> fTables;
   WeightScaler fScaler;
   Chunk fChunk;
-  WeightSums fAllCases;              // in its one slot: of the chunks left so far
+  WeightSums fAllCases;  // in its one slot: of the chunks left so far
+  const bool fWantsSketches;
   const bool fFromTheBeginning;      // none was left before
   std::int64_t fScaledChunk = -1;    // chunkBegin of the chunk whose weights are scaled; negative: none
   std::int64_t fSearchedChunk = -1;  // the same of the one that was searched ahead

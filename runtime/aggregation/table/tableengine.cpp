@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "runtime/aggregation/binding.h"
+
 namespace runtime::aggregation {
 
 using namespace TableEncryptionCodes;
@@ -49,7 +51,10 @@ class CountedDimension final : public Base {
 }  // namespace
 
 TableEngine::TableEngine(AggregationTable& table, MAVO_InputCaseIterator& iterator)
-    : fTable(table), fWork(CursorWork::Of(iterator.Cursor())), fSource(iterator.Source()) {
+    : fTable(table),
+      fWork(CursorWork::Of(iterator.Cursor())),
+      fSource(iterator.Source()),
+      fSketches(fWork->wantsSketches()) {
   fWork->Add(*this);
 }
 
@@ -96,7 +101,7 @@ void TableEngine::CreateTableDimension() {
 void TableEngine::AddScaleStatistics(const std::vector<AggregationStatistic>& statistics) {
   fScaleStatistics.insert(fScaleStatistics.end(), statistics.begin(), statistics.end());
   if (!fScaleStatistics.empty())
-    fScaleCounter = std::make_unique<ScaleCounter>(fScaleStatistics, fSource, fWork->memory());
+    fScaleCounter = std::make_unique<ScaleCounter>(fScaleStatistics, fSource, fWork->memory(), fSketches);
 }
 
 void TableEngine::SetCellStatistics(std::vector<AggregationStatistic> perCategory,
@@ -193,11 +198,11 @@ void TableEngine::BeginRun() {
   fSearchStep = kFirstSearchStep;
 }
 
-void TableEngine::CursorGone() {
+void TableEngine::CursorGone(const std::optional<WeightTotal>& allCases) {
   fTable.fProgress.pending.begin = fTable.fProgress.pending.end;
   const std::shared_ptr<CursorWork> work = std::exchange(fWork, nullptr);
   fFailure = work->failure();
-  if (!fFailure) ComputeResults();
+  if (!fFailure) ComputeResults(allCases);
   Detach();
 }
 
@@ -220,34 +225,56 @@ void TableEngine::Finish() {
       work->FinishTables();
     } else {
       Flush();
-      ComputeResults();
+      ComputeResults(std::nullopt);
     }
     if (fWork != nullptr) Detach();
   }
   if (fFailure) std::rethrow_exception(fFailure);
+  if (!fSketch) return;
+  const AggregationBinding* binding = CurrentAggregation();
+  if (binding != nullptr && binding->onCounted) binding->onCounted(std::move(*fSketch));
+  fSketch.reset();
 }
 
 std::size_t TableEngine::ValuesToFinish() const {
   return (fCounter == nullptr ? 0 : fCounter->slots()) + (fScaleCounter == nullptr ? 0 : fScaleCounter->keptValues());
 }
 
-void TableEngine::ComputeResults() noexcept {
+void TableEngine::ComputeResults(const std::optional<WeightTotal>& allCases) noexcept {
   try {
-    MakeResults();
+    MakeResults(allCases);
   } catch (...) {
     fFailure = std::current_exception();
   }
 }
 
-void TableEngine::MakeResults() {
+ItemSketch TableEngine::SketchOfDimension() const {
+  ItemSketch sketch;
+  if (fDimension->kind() == AggregationVariable::Kind::Variable) {
+    sketch.variable = fDimension->variables().front();
+  } else {
+    sketch.name = fDimension->name();
+    sketch.members = fDimension->variables();
+  }
+  sketch.total = NearestDouble(fCounts.total);
+  sketch.missing = NearestDouble(fCounts.missing);
+  return sketch;
+}
+
+void TableEngine::MakeResults(const std::optional<WeightTotal>& allCases) {
+  const auto countedAll = [&allCases](const WeightTotal& total) {
+    return allCases && total.Exact() == allCases->Exact();
+  };
   if (fCounter != nullptr) {
     if (!fSearches) fTable.fProgress.watch.count = fCounter->MarkCountedValues();
     fCounts = fCounter->Finish();
     fCounter.reset();
     MakeCategories();
+    if (fSketches && countedAll(fCounts.total)) fSketch = SketchOfDimension();
   }
   if (fScaleCounter != nullptr) {
     fScaleResults = fScaleCounter->Finish();
+    if (fSketches && countedAll(fScaleCounter->total())) fSketch = fScaleCounter->Sketch();
     fScaleCounter.reset();
   }
 }

@@ -12,6 +12,7 @@
 
 #include "runtime/aggregation/counting/dimensioncounter.h"
 #include "runtime/aggregation/counting/scalecounter.h"
+#include "runtime/aggregation/sketch/itemsketch.h"
 #include "runtime/aggregation/table/cursorwork.h"
 
 namespace runtime::aggregation {
@@ -43,12 +44,14 @@ class TableEngine {
   void SearchChunk(const Chunk& chunk);
   /// Cells of the pending rows.
   std::size_t PendingCells() const;
-  /// Ends the counting, as does Finish: the columns cannot be read any more. Does not throw.
-  void CursorGone();
+  /// Ends the counting, as does Finish: the columns cannot be read any more. `allCases` as in ComputeResults. Does not
+  /// throw.
+  void CursorGone(const std::optional<WeightTotal>& allCases);
   /// Values of the dimension met in the rows taken, looking ahead as far as pays; sets the table's watch.
   int NumberOfValues();
   /// Works the pending rows through and computes the results, those of all tables of an exhausted cursor at once.
-  /// Further rows are not taken. Throws what went wrong in counting this table or computing its results.
+  /// Further rows are not taken. Tells what was counted, where that is wanted. Throws what went wrong in counting this
+  /// table or computing its results.
   void Finish();
 
   // The steps of Finish, for all tables of a cursor.
@@ -56,8 +59,9 @@ class TableEngine {
   bool hasRequest() const { return fCounter != nullptr || fScaleCounter != nullptr; }
   /// How long ComputeResults takes, in values.
   std::size_t ValuesToFinish() const;
-  /// The results of the rows counted; touches nothing that tables share. What it throws waits for Finish.
-  void ComputeResults() noexcept;
+  /// The results of the rows counted; touches nothing that tables share. `allCases`: the weight of all cases of the
+  /// cursor, where that is known. What it throws waits for Finish.
+  void ComputeResults(const std::optional<WeightTotal>& allCases) noexcept;
   /// Ends the connection with the cursor.
   void Detach();
 
@@ -86,7 +90,8 @@ class TableEngine {
   void SearchUpTo(const Chunk& chunk, std::size_t row);
   void KeepFoundBefore(std::size_t row);
   void ForgetFound();
-  void MakeResults();
+  void MakeResults(const std::optional<WeightTotal>& allCases);
+  ItemSketch SketchOfDimension() const;
   void MakeCategories();
   std::vector<double> CellValues(const std::vector<AggregationStatistic>& statistics, const WeightTotal& weight) const;
 
@@ -114,7 +119,9 @@ class TableEngine {
   DimensionCounts fCounts;
   std::vector<AggregationCategory> fCategories;
   std::vector<double> fScaleResults;
-  std::exception_ptr fFailure;  // null: nothing went wrong
+  const bool fSketches;
+  std::optional<ItemSketch> fSketch;  // not told yet
+  std::exception_ptr fFailure;        // null: nothing went wrong
 
   static constexpr std::size_t kFirstSearchStep = 64;
   static constexpr std::size_t kLargestSearchStep = 4096;
