@@ -16,6 +16,7 @@
 #include "app/memorysize.h"
 #include "app/moduleloader.h"
 #include "app/options.h"
+#include "app/pager.h"
 #include "app/progressbar.h"
 #include "app/reportsink.h"
 #include "app/terminal.h"
@@ -76,6 +77,15 @@ void SayTimings(app::TimingForm form, app::Timings& timings) {
     Say("where the time went\n" + timings.Table(app::PeakMemory()));
 }
 
+void WriteReport(const app::Options& options, const app::WriteReport& write) {
+  const bool readOnTerminal = !options.outputFile && options.format == "text" && app::StandardOutputIsTerminal();
+  if (const std::string pager = readOnTerminal && options.pager ? app::WantedPager() : ""; !pager.empty()) {
+    if (app::ShowThroughPager(pager, write)) return;
+    Say("warning: The pager \"" + pager + "\" cannot be started; the report follows without it.");
+  }
+  app::WriteReportTo(options.outputFile, write);
+}
+
 int Run(int argc, char** argv) {
   app::Options options = app::ReadOptions(argc, argv);
   if (options.quiet) app::InterruptQuietly();
@@ -116,7 +126,7 @@ int Run(int argc, char** argv) {
   // The report may go to the same terminal, through whatever stands between.
   bar.End();
   try {
-    app::WriteReportTo(options.outputFile, [&](std::ostream& out) { renderer->Render(session.report(), out); });
+    WriteReport(options, [&](std::ostream& out) { renderer->Render(session.report(), out); });
   } catch (...) {
     SayMessages(session.report());
     throw;

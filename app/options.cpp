@@ -210,6 +210,8 @@ Options ReadOptions(int argc, const char* const* argv) {
   cli.add_option("--lang", options.language,
                  "the language of the report's own words: " + LanguageCodes() + "; messages are English")
       ->type_name("CODE");
+  bool noPager = false;
+  cli.add_flag("--no-pager", noPager, "write a text report to the terminal directly, not through a pager");
   const CLI::Option* memoryOption =
       cli.add_option("--memory-limit", memoryLimit,
                      "memory to keep within, at least 64MB, such as 256MB, 1GB, 512MiB; beyond it columns and\n"
@@ -250,6 +252,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   if (widthOption->count() > 0) options.width = width;
   if (memoryOption->count() > 0) LimitMemory(memoryLimit, options);
   CheckLanguage(options.language);
+  options.pager = !noPager;
   options.timing = ReadTimingForm(timing);
   if (segmentBytes > 0) options.data.segmentBytes = segmentBytes;
   options.format = ChooseFormat(format, options.outputFile);

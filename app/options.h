@@ -20,6 +20,7 @@ struct Options {
   std::optional<std::string> outputFile;   // -o; absent: standard output
   std::optional<int> width;                // of text; absent: the terminal's
   std::string language = "en";             // of the report's fixed texts; one that the program has
+  bool pager = true;                       // a text report on a terminal goes through a pager, where there is one
   int threads = 0;                         // 0: as many as the machine gives
   bool quiet = false;                      // no progress, and no word that is neither warning nor error
   TimingForm timing = TimingForm::None;

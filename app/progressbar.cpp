@@ -1,7 +1,6 @@
 #include "app/progressbar.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <optional>
 #include <string_view>
 
@@ -9,6 +8,7 @@
 #include <unistd.h>
 
 #include "app/interrupt.h"
+#include "app/terminal.h"
 
 namespace app {
 
@@ -20,11 +20,7 @@ constexpr std::string_view kClearToLineEnd = "\x1b[K";
 
 double Now() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
 
-bool CanRedrawLines() {
-  const char* const terminal = std::getenv("TERM");
-  return ::isatty(STDERR_FILENO) != 0 && terminal != nullptr && *terminal != '\0' &&
-         std::string_view(terminal) != "dumb";
-}
+bool CanRedrawLines() { return ::isatty(STDERR_FILENO) != 0 && TerminalMovesCursor(); }
 
 /// A program in the background shares the terminal with whoever is in front.
 bool InForeground() {

@@ -59,13 +59,8 @@ class DescriptorBuffer : public std::streambuf {
 };
 
 void WriteTo(int descriptor, const std::string& name, const WriteReport& write) {
-  DescriptorBuffer buffer(descriptor);
-  std::ostream stream(&buffer);
-  write(stream);
-  stream.flush();
-  if (buffer.error() != 0)
-    throw OutputError(fmt::format("The report could not be written to {}: {}.", name, std::strerror(buffer.error())));
-  if (!stream) throw OutputError(fmt::format("The report could not be written to {}.", name));
+  if (const int error = WriteReportTo(descriptor, write); error != 0)
+    throw OutputError(fmt::format("The report could not be written to {}: {}.", name, std::strerror(error)));
 }
 
 /// A file beside the target, removed again unless it was renamed to it.
@@ -108,6 +103,15 @@ class TemporaryFile {
 };
 
 }  // namespace
+
+int WriteReportTo(int descriptor, const WriteReport& write) {
+  DescriptorBuffer buffer(descriptor);
+  std::ostream stream(&buffer);
+  write(stream);
+  stream.flush();
+  if (buffer.error() != 0) return buffer.error();
+  return stream ? 0 : EIO;
+}
 
 void WriteReportTo(const std::optional<std::string>& fileName, const WriteReport& write) {
   if (!fileName) {

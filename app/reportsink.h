@@ -22,6 +22,9 @@ using WriteReport = std::function<void(std::ostream&)>;
 /// that name stays as it was until then (a device or a pipe is written to directly).
 void WriteReportTo(const std::optional<std::string>& fileName, const WriteReport& write);
 
+/// Calls `write` with a stream onto an open file. Why not all of it was written, as an error number; 0: all was.
+int WriteReportTo(int descriptor, const WriteReport& write);
+
 /// Gives closed standard streams a place, so that no file that is opened later takes theirs. To be called first of all.
 void SecureStandardStreams();
 

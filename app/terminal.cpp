@@ -19,7 +19,17 @@ int TerminalWidth() {
   return kDefaultWidth;
 }
 
+bool NoColourWanted() {
+  const char* const wish = std::getenv("NO_COLOR");
+  return wish != nullptr && *wish != '\0';
+}
+
 }  // namespace
+
+bool TerminalMovesCursor() {
+  const char* const terminal = std::getenv("TERM");
+  return terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
+}
 
 bool StandardOutputIsTerminal() { return ::isatty(STDOUT_FILENO) != 0; }
 
@@ -28,7 +38,7 @@ runtime::output::RenderOptions DescribeTerminal(std::optional<int> askedWidth, b
   const bool onTerminal = !toFile && StandardOutputIsTerminal();
   options.width = askedWidth.value_or(onTerminal ? TerminalWidth() : kDefaultWidth);
   options.utf8 = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
-  options.color = onTerminal && std::getenv("NO_COLOR") == nullptr;
+  options.color = onTerminal && TerminalMovesCursor() && !NoColourWanted();
   return options;
 }
 

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "runtime/output/format/kinds.h"
 #include "runtime/output/language/catalog.h"
 #include "runtime/output/model/grid.h"
+#include "runtime/output/model/methodnotes.h"
 #include "runtime/output/render/terminaltext.h"
 #include "runtime/output/render/texttable.h"
 #include "runtime/output/render/textwrap.h"
@@ -15,6 +18,7 @@ namespace {
 
 constexpr int kNarrowestPage = 20;
 constexpr int kPointsPerColumn = 7;
+constexpr int kNoteIndent = 2;
 constexpr std::size_t kFlushedAt = 1 << 16;  // bytes
 
 enum class Groups { Beside, Above };
@@ -37,12 +41,14 @@ class TextWriter {
   void Write(const Report& report) {
     const bool severalProcedures = report.procedures.size() > 1;
     for (const auto& procedure : report.procedures) {
-      if (severalProcedures) WriteHeading(procedure->title);
+      if (severalProcedures) WriteHeading(Translate(fOptions.catalog, procedure->title));
       for (const auto& table : procedure->tables) {
         Write(*table);
         if (fPage.size() >= kFlushedAt) Flush();
+        if (!fOut) return;  // whoever reads has seen enough
       }
     }
+    if (report.facts) Write(report.facts->notes);
     Flush();
   }
 
@@ -52,9 +58,9 @@ class TextWriter {
     fBegun = true;
   }
 
-  void WriteHeading(const std::string& title) {
+  void WriteHeading(std::string_view title) {
     BeginBlock();
-    const std::string shown = Harmless(std::string(Translate(fOptions.catalog, title)));
+    const std::string shown = Harmless(std::string(title));
     WriteBold(shown);
     const int width = std::clamp(WidestLine(shown), 1, fOptions.width);
     for (int i = 0; i < width; ++i) fPage += fOptions.utf8 ? "═" : "=";
@@ -67,6 +73,23 @@ class TextWriter {
       fPage += line;
       if (fOptions.color) fPage += "\x1b[0m";
       fPage += '\n';
+    }
+  }
+
+  // A name stands once above the texts that follow each other under it.
+  void Write(const std::vector<MethodNote>& notes) {
+    if (notes.empty()) return;
+    WriteHeading(Translate(fOptions.catalog, "Method"));
+    const std::string* before = nullptr;
+    for (const MethodNote& note : notes) {
+      if (before == nullptr || *before != note.name) WriteBold(Harmless(NoteName(note, fOptions.catalog)));
+      before = &note.name;
+      const std::string text = Harmless(NoteText(note, fOptions.catalog));
+      for (const std::string_view line : WrapText(text, fOptions.width - kNoteIndent)) {
+        fPage.append(kNoteIndent, ' ');
+        fPage += line;
+        fPage += '\n';
+      }
     }
   }
 
