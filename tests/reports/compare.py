@@ -37,6 +37,12 @@ def overlooked(reader, cases):
         planted += 1
         if not any(reader.differences(changed, outputs)):
             missed.append(f"{outputs.name}: {what}")
+    if hasattr(reader, "spoilt"):
+        for outputs in cases[:: len(cases) // PLANTED_CASES]:
+            for what, changed in reader.spoilt(outputs.report() or {}):
+                planted += 1
+                if not reader.refuses(changed):
+                    missed.append(f"{outputs.name}: {what}")
     return missed, planted
 
 

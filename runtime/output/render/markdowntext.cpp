@@ -113,7 +113,7 @@ class MarkdownText {
         fMarkdown += "&gt;";
         return;
       case '&':
-        fMarkdown += next == '#' || IsLetterOrDigit(next) ? "&amp;" : "&";
+        fMarkdown += BeginsEntity(at) ? "&amp;" : "&";
         return;
       case '#':  // a heading's end; an issue's number
         fMarkdown += "\\#";
@@ -137,6 +137,13 @@ class MarkdownText {
       default:
         fMarkdown += c;
     }
+  }
+
+  // `&name;`, `&#number;`.
+  bool BeginsEntity(std::size_t ampersand) const {
+    std::size_t end = ampersand + 1;
+    while (end < fText.size() && (IsLetterOrDigit(fText[end]) || fText[end] == '#')) ++end;
+    return end < fText.size() && fText[end] == ';';
   }
 
   // `:name:`. A time of day is none.
