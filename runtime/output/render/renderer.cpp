@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "runtime/output/render/csv.h"
+#include "runtime/output/render/html/html.h"
 #include "runtime/output/render/json.h"
 #include "runtime/output/render/markdown.h"
 #include "runtime/output/render/text.h"
@@ -25,7 +26,9 @@ bool EndsWith(std::string_view name, std::string_view ending) {
 const std::vector<ReportFormat>& ReportFormats() {
   static const std::vector<ReportFormat> formats = {
       {"text", ".txt", NewTextRenderer},
+      {"html", ".html", NewHtmlRenderer, false, true},
       {"json", ".json", NewJsonRenderer},
+      {"jsonl", ".jsonl", NewJsonLinesRenderer},
       {"md", ".md", NewMarkdownRenderer},
       {"csv", ".csv", NewCsvRenderer},
       {"xlsx", ".xlsx", NewXlsxRenderer, true, true},
