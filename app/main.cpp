@@ -113,6 +113,7 @@ int Run(int argc, char** argv) {
   sessionOptions.catalog = catalog;
   sessionOptions.percentileMemory =
       options.percentileMemory > 0 ? options.percentileMemory : app::MemoryForPercentiles(opened.columnBytes);
+  sessionOptions.sketches = runtime::output::FindReportFormat(options.format)->wantsSketches;
   sessionOptions.onProgress = bar.Listener();
   sessionOptions.onPassBegins = [&stages] { stages.Begin(app::Stage::Pass, "counting"); };
   sessionOptions.onResultsBegin = [&stages] { stages.Begin(app::Stage::Percentiles, "percentiles"); };

@@ -18,6 +18,7 @@
 #include "app/memorysize.h"
 #include "runtime/machine/threadpool.h"
 #include "runtime/output/language/catalog.h"
+#include "runtime/output/render/jsonschema.h"
 #include "runtime/output/render/renderer.h"
 
 namespace app {
@@ -39,12 +40,16 @@ constexpr const char* kFooter =
     "  codebook survey.csv -c 'CODEBOOK age sex $media /STATISTICS COUNT PERCENT MEAN.'\n"
     "  codebook datapackage.json --resource persons -F json -o persons.json\n"
     "  zcat survey.csv.gz | codebook - -d survey.schema.json --weight wgt\n"
+    "  codebook schema    (prints the JSON Schema of -F json and -F jsonl; a data file of that name is ./schema)\n"
     "\n"
     "Exit status: 0 done, 1 a command stopped with an error, 2 wrong use of the command line, 3 data or dictionary\n"
     "could not be read, 4 output or a temporary file could not be written, 70 an internal check failed, 130 "
     "interrupted.";
 
 constexpr const char* kEnglish = "en";
+
+/// In the place of DATA: not a file, but the wish to see the schema of the JSON report.
+constexpr const char* kSchemaWord = "schema";
 
 /// The endings that name a format, for who has written another one.
 std::string FormatEndings() {
@@ -239,6 +244,12 @@ Options ReadOptions(int argc, const char* const* argv) {
   // Not left to the library, which would tell of a missing DATA before an option that it does not know.
   if (options.data.path.empty())
     throw UsageError("Name the data: codebook DATA. Run codebook --help for what it takes.");
+  if (options.data.path == kSchemaWord) {
+    if (argc > 2)
+      throw UsageError("codebook schema prints the JSON Schema of the report and takes no options. A data file of that "
+                       "name is ./schema.");
+    throw TextWanted{std::string(runtime::output::JsonReportSchema())};
+  }
 
   const auto given = [](const std::string& text) {
     return text.empty() ? std::nullopt : std::optional<std::string>(text);
