@@ -20,4 +20,36 @@ std::optional<MAVO_Variable_Enumerations::Role> RoleOf(std::string_view word) {
   return std::nullopt;
 }
 
+std::string_view MeasureWord(MAVO_Variable_Enumerations::MeasurementLevel level) {
+  switch (level) {
+    case MAVO_Variable_Enumerations::kLevelNominal:
+      return "nominal";
+    case MAVO_Variable_Enumerations::kLevelOrdinal:
+      return "ordinal";
+    case MAVO_Variable_Enumerations::kLevelScale:
+      return "scale";
+    case MAVO_Variable_Enumerations::kLevelUnknown:
+      break;
+  }
+  return "unknown";
+}
+
+std::string_view RoleWord(MAVO_Variable_Enumerations::Role role) {
+  switch (role) {
+    case MAVO_Variable_Enumerations::kRoleTarget:
+      return "target";
+    case MAVO_Variable_Enumerations::kRoleBoth:
+      return "both";
+    case MAVO_Variable_Enumerations::kRoleNone:
+      return "none";
+    case MAVO_Variable_Enumerations::kRolePartition:
+      return "partition";
+    case MAVO_Variable_Enumerations::kRoleSplit:
+      return "split";
+    case MAVO_Variable_Enumerations::kRoleInput:
+      break;
+  }
+  return "input";
+}
+
 }  // namespace runtime::data

@@ -13,6 +13,10 @@ std::optional<MAVO_Variable_Enumerations::MeasurementLevel> MeasurementLevelOf(s
 /// input, target, both, none, partition, split; nothing for any other word.
 std::optional<MAVO_Variable_Enumerations::Role> RoleOf(std::string_view word);
 
+/// The word of a level or a role.
+std::string_view MeasureWord(MAVO_Variable_Enumerations::MeasurementLevel level);
+std::string_view RoleWord(MAVO_Variable_Enumerations::Role role);
+
 inline constexpr std::string_view kMeasureWords = "nominal, ordinal, scale, unknown";
 inline constexpr std::string_view kRoleWords = "input, target, both, none, partition, split";
 

@@ -1,0 +1,18 @@
+// Writing Table Schema and Data Package, version 2.
+#pragma once
+
+#include <ostream>
+
+#include "runtime/data/dictionary/descriptor.h"
+
+namespace runtime::data {
+
+/// A Table Schema by itself, valid against the profile of version 2.0 where there is at least one field: two spaces a
+/// level, properties in the order of the standard. Facts of a resource or package (dialect, paths, their extras) have
+/// no place in it.
+void WriteTableSchema(const TableDescriptor& table, std::ostream& out);
+
+/// A Data Package of one resource, valid likewise; everything that a descriptor can say.
+void WriteDataPackage(const TableDescriptor& table, std::ostream& out);
+
+}  // namespace runtime::data
