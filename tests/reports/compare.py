@@ -68,7 +68,10 @@ def main():
             print(f"{outputs.name}: and {len(found) - 10} more")
     print(f"{len(cases) - failed} cases as in the JSON report, {failed} not")
 
-    missed, planted = overlooked(reader, cases) if not arguments.case else ([], 0)
+    try:
+        missed, planted = overlooked(reader, cases) if not arguments.case else ([], 0)
+    except plants.NoPlaceError as error:
+        sys.exit(f"compare.py: {error}")
     for what in missed:
         print(f"not noticed: {what}")
     print(f"{planted - len(missed)} of {planted} planted changes found")

@@ -6,6 +6,10 @@ change of a number that its text does not show), "columns" (the name of a column
 import copy
 
 
+class NoPlaceError(Exception):
+    """A kind of change cannot be planted, so that nobody knows whether it would be noticed."""
+
+
 def row_items(items):
     """Places of row categories: the list that holds it and its position."""
     for position, item in enumerate(items):
@@ -152,4 +156,4 @@ def planted(cases, overlooked, each):
             if found == each:
                 break
         if found == 0:
-            raise ValueError(f"no case has a place for {change.__name__}")
+            raise NoPlaceError(f"none of the cases has a place for {change.__name__}")

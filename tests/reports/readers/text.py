@@ -161,27 +161,25 @@ def report_differences(report, lines):
                 continue
             for difference in table_differences(table, lines):
                 yield f"table {table.title['text']!r}: {difference}"
-    yield from note_differences(notes_of(report), lines)
+    read_notes(notes_of(report), lines)
 
 
-def note_differences(notes, lines):
-    """Notes stand behind the tables, broken into lines as words fit."""
-    rest = " ".join(" ".join(lines.lines[lines.at :]).split())
-    if not notes:
-        if rest:
-            yield f"more than the report: {rest!r}"
-        return
+def read_notes(notes, lines):
+    """Notes stand behind the tables: a name above the texts that belong to it, each set in."""
+    if notes:
+        lines.expect("")
+        lines.expect("Method")
+        lines.expect("══════")
+    before = None
     for name, text in notes:
-        for words in (name, text):
-            wanted = " ".join(" ".join(lines_of(words)).split())
-            found = rest.find(wanted)
-            if found < 0:
-                yield f"the note {wanted!r} is missing"
-                return
-            if words is text:
-                rest = rest[found + len(wanted) :]
-    if rest:
-        yield f"more than the notes: {rest!r}"
+        if name != before:
+            lines.expect_text(name)
+        before = name
+        if not (lines.peek() or "").startswith("  "):
+            raise Unexpected(f"the note {lines.peek()!r} is not set in")
+        lines.expect_text(text)
+    if lines.peek() is not None:
+        raise Unexpected(f"more than the report: {lines.peek()!r}")
 
 
 def differences(report, outputs):
