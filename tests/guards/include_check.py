@@ -44,6 +44,7 @@ LIBRARIES = [
     ("gmpxx.h", ["runtime/aggregation/exact", "tests"]),
     ("duckdb.h", ["runtime/data/source", "tests/cells", "bench"]),
     ("hwy/", ["runtime/data/csv"]),
+    ("pugixml.hpp", ["runtime/data/dictionary/ddi"]),
     ("xlsxwriter.h", ["runtime/output/render/xlsx"]),
     ("CLI/", ["app"]),
     ("gtest/", ["tests"]),

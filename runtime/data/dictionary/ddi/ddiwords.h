@@ -8,11 +8,12 @@
 //    attribute, a member for each element in it (a list for several of one name), and "#text" for its text.
 //  - "ddi:PATH/@NAME" is an attribute, of an element that is itself understood ("ddi:@ID", "ddi:qstn/@seqNo"). Its JSON
 //    value is a text; where the element stands several times a list, with null for those without the attribute.
+//  - "ddi:PATH/#text" is the text of an element whose attributes are understood ("ddi:varFormat/#text").
 //  - "ddi:catgry/PATH" and "ddi:catgry/@NAME" are what the categories say beside code, label and missing: an object by
 //    code (as it stands in `catValu`, without blanks around; empty for a category without one), its values as above.
+//    "ddi:varGrp/PATH" and "ddi:varGrp/@NAME" are the same of the groups that are sets, by the set's name.
 //
-// `notes type="codebook" subject="NAME"` holds, as JSON, a property of a Table Schema field (below `var`) or of a Table
-// Schema (below `stdyDscr`) that DDI has no word for, or an ExtraProperty of that name; it rules over the elements.
+// What DDI has no word for stands in notes of our own, see ddinotes.h.
 //
 // Not kept: `source` (who supplied an element), comments, name spaces, and the markup of paragraphs, lists and emphasis
 // in texts, of which paragraphs and list items become lines.

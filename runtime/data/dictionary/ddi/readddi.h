@@ -27,6 +27,9 @@ struct DdiOptions {
 /// is no DDI-Codebook, or does not say which of its files is meant.
 TableDescriptor ReadDdi(const std::string& path, const DdiOptions& options, std::vector<Note>& notes);
 
+/// The same of a text in UTF-8 that describes at most one file. What there is to tell is not told.
+TableDescriptor ReadDdiElements(const std::string& text);
+
 /// Whether a text begins like an XML document.
 bool LooksLikeXml(std::string_view text);
 
