@@ -11,7 +11,7 @@ build = cmake --preset $(1) $(2) --log-level=WARNING >/dev/null && cmake --build
 # $(call run_tests,PRESET): last in a target, so that its closing lines are ctest's summary.
 run_tests = ctest --test-dir build/$(1) --output-on-failure --no-tests=error -j $(JOBS)
 
-.PHONY: help build demo test test-asan test-tsan coverage format check-format tidy bench bench-scaling clean
+.PHONY: help build messages demo test test-asan test-tsan coverage format check-format tidy bench bench-scaling clean
 
 help:  ## show this list
 	@sed -n 's/^\([a-z-]*\):.*## /  make \1|/p' Makefile | column -t -s '|'
@@ -19,6 +19,10 @@ help:  ## show this list
 build:  ## the release program: build/release/codebook, with codebook.so beside it
 	@scripts/setup build
 	@$(call build,release,-DCODEBOOK_TESTS=OFF)
+
+messages:  ## bring the catalogs of po/ up to the fixed texts of the sources
+	@scripts/setup build
+	@scripts/messages
 
 demo: build  ## build, then the codebook of a real survey
 	@scripts/demo

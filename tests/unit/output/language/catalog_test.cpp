@@ -105,7 +105,7 @@ TEST(Catalog, emptyTextIsNotTheHeader) {
 }
 
 TEST(Catalog, emptyTranslationLeavesTheText) {
-  const std::string bytes = CatalogFile({{"", kUtf8}, {"Count", ""}}).bytes();
+  const std::string bytes = CatalogFile(Pairs{{"", kUtf8}, {"Count", ""}}).bytes();
   EXPECT_EQ(Catalog("de", bytes).Translate("Count"), "Count");
 }
 
@@ -123,7 +123,7 @@ TEST(Catalog, findsEveryTextOfMany) {
 }
 
 TEST(Catalog, ordersTextsByTheirBytes) {
-  const std::string bytes = CatalogFile({{"", kUtf8}, {"Z", "z"}, {"z", "Z"}, {"é", "É"}}).bytes();
+  const std::string bytes = CatalogFile(Pairs{{"", kUtf8}, {"Z", "z"}, {"z", "Z"}, {"é", "É"}}).bytes();
   const Catalog catalog("de", bytes);
   EXPECT_EQ(catalog.Translate("é"), "É");
   EXPECT_EQ(catalog.Translate("z"), "Z");
@@ -131,7 +131,7 @@ TEST(Catalog, ordersTextsByTheirBytes) {
 
 TEST(Catalog, takesTheFirstOfSeveralForms) {
   using namespace std::string_literals;
-  const std::string bytes = CatalogFile({{"", kUtf8}, {"case\0cases"s, "Fall\0Fälle"s}}).bytes();
+  const std::string bytes = CatalogFile(Pairs{{"", kUtf8}, {"case\0cases"s, "Fall\0Fälle"s}}).bytes();
   EXPECT_EQ(Catalog("de", bytes).Translate("case"), "Fall");
 }
 
@@ -155,13 +155,14 @@ TEST(Catalog, refusesALaterRevision) {
 }
 
 TEST(Catalog, refusesListsBeyondItsEnd) {
-  for (const std::size_t place : {8, 12, 16})
+  for (const std::size_t place : {8U, 12U, 16U})
     for (const std::uint32_t number : {1000U, 0x7FFFFFFFU, 0xFFFFFFFFU})
       EXPECT_THAT(Refusal(CatalogFile(FewTexts()).Put(place, number).bytes()), HasSubstr("reach beyond its end"));
 }
 
 TEST(Catalog, refusesTextsBeyondItsEnd) {
-  for (const std::size_t place : {28 + 8, 28 + 12, 60 + 8, 60 + 12})  // length and place of the second of both lists
+  for (const std::size_t place :
+       {28U + 8U, 28U + 12U, 60U + 8U, 60U + 12U})  // length and place of the second of both lists
     for (const std::uint32_t number : {1000U, 0x7FFFFFFFU, 0xFFFFFFFFU})
       EXPECT_THAT(Refusal(CatalogFile(FewTexts()).Put(place, number).bytes()), HasSubstr("text 2 reaches beyond"));
 }
@@ -171,16 +172,16 @@ TEST(Catalog, refusesATextWithoutEnd) {
 }
 
 TEST(Catalog, refusesTextsOutOfOrder) {
-  EXPECT_THAT(Refusal(CatalogFile({{"", kUtf8}, {"b", "B"}, {"a", "A"}}).bytes()), HasSubstr("out of order"));
-  EXPECT_THAT(Refusal(CatalogFile({{"", kUtf8}, {"a", "B"}, {"a", "A"}}).bytes()), HasSubstr("out of order"));
+  EXPECT_THAT(Refusal(CatalogFile(Pairs{{"", kUtf8}, {"b", "B"}, {"a", "A"}}).bytes()), HasSubstr("out of order"));
+  EXPECT_THAT(Refusal(CatalogFile(Pairs{{"", kUtf8}, {"a", "B"}, {"a", "A"}}).bytes()), HasSubstr("out of order"));
 }
 
 TEST(Catalog, refusesWhatIsNotInUtf8) {
-  EXPECT_THAT(Refusal(CatalogFile({{"", "Content-Type: text/plain; charset=ISO-8859-1\n"}}).bytes()),
+  EXPECT_THAT(Refusal(CatalogFile(Pairs{{"", "Content-Type: text/plain; charset=ISO-8859-1\n"}}).bytes()),
               HasSubstr("UTF-8"));
-  EXPECT_THAT(Refusal(CatalogFile({{"a", kUtf8}}).bytes()), HasSubstr("UTF-8"));
-  EXPECT_THAT(Refusal(CatalogFile({}).bytes()), HasSubstr("UTF-8"));
-  EXPECT_EQ(Refusal(CatalogFile({{"", "Content-Type: text/plain; charset=utf-8\n"}}).bytes()), "");
+  EXPECT_THAT(Refusal(CatalogFile(Pairs{{"a", kUtf8}}).bytes()), HasSubstr("UTF-8"));
+  EXPECT_THAT(Refusal(CatalogFile(Pairs{}).bytes()), HasSubstr("UTF-8"));
+  EXPECT_EQ(Refusal(CatalogFile(Pairs{{"", "Content-Type: text/plain; charset=utf-8\n"}}).bytes()), "");
 }
 
 TEST(Catalog, theProgramSpeaksFiveLanguagesBesideEnglish) {
