@@ -177,6 +177,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   std::string outputFile;
   std::string weight;
   std::string resource;
+  std::string schemas;
   std::string memoryLimit;
   std::string timing;
   int width = 0;
@@ -194,6 +195,8 @@ Options ReadOptions(int argc, const char* const* argv) {
                  "the dictionary: datapackage.json or a Table Schema (else looked for beside the data)")
       ->type_name("FILE");
   cli.add_option("--resource", resource, "the resource of a datapackage.json that holds several")->type_name("NAME");
+  cli.add_option("--schemas", schemas, "a folder with copies of schemas that a datapackage.json names by address")
+      ->type_name("DIR");
   const CLI::Option* commandOption = cli.add_option("-c,--command", commandText, "the command's text");
   const CLI::Option* fileOption =
       cli.add_option("-f,--file", commandFile, "a file of commands, - for standard input")->type_name("FILE");
@@ -256,6 +259,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   };
   options.data.dictionary = given(dictionary);
   options.data.resource = given(resource);
+  options.data.schemas = given(schemas);
   options.outputFile = given(outputFile);
   if (commandOption->count() > 0) options.commandText = commandText;
   if (fileOption->count() > 0) options.commandFile = commandFile;

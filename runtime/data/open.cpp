@@ -1,5 +1,6 @@
 #include "runtime/data/open.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <set>
@@ -48,8 +49,9 @@ Input FindInput(const OpenOptions& options, std::vector<Note>& notes) {
     if (options.dictionary)
       throw DataError(
           fmt::format("{}: a data package is its own dictionary; give the data file to use another one", options.path));
-    input.descriptor = ReadDictionary({options.path, options.resource, std::nullopt}, notes);
+    input.descriptor = ReadDictionary({options.path, options.resource, std::nullopt, options.schemas}, notes);
     input.dataPaths = input.descriptor->dataPaths;
+    if (input.dataPaths.empty() && input.descriptor->inlineData) input.dataPaths = {options.path};
     if (input.dataPaths.empty()) throw DataError(fmt::format("{}: the resource names no data file", options.path));
     return input;
   }
@@ -58,7 +60,7 @@ Input FindInput(const OpenOptions& options, std::vector<Note>& notes) {
   std::optional<std::string> dictionary = options.dictionary;
   if (!dictionary && options.path != kStandardInput) dictionary = FindDictionary(options.path);
   if (dictionary)
-    input.descriptor = ReadDictionary({*dictionary, options.resource, options.path}, notes);
+    input.descriptor = ReadDictionary({*dictionary, options.resource, options.path, options.schemas}, notes);
   else if (options.resource)
     throw DataError(fmt::format("{}: there is no data package with a resource {}; leave out --resource or give -d",
                                 options.path, QuotedCell(*options.resource)));
@@ -82,6 +84,27 @@ std::vector<ColumnPlan> PlanFor(const TableDescriptor* descriptor, const std::ve
   return plans;
 }
 
+/// What the dialect makes of a cell, and what JSON has no value for, is an empty cell, which then is missing.
+void AddEmptyText(std::vector<LabelledValue>& missing) {
+  for (const LabelledValue& entry : missing)
+    if (entry.value.empty()) return;
+  missing.push_back({});
+}
+
+void MakeNullsMissing(TableDescriptor& descriptor) {
+  if (!descriptor.inlineData && !descriptor.dialect.nullSequence) return;
+  AddEmptyText(descriptor.missingValues);
+  for (FieldDescriptor& field : descriptor.fields) AddEmptyText(field.missingValues);
+}
+
+/// Columns of JSON texts stay texts, unless a field says otherwise.
+void KeepTextColumns(const InlineTable& data, const std::vector<std::string>& headers, std::vector<ColumnPlan>& plans) {
+  for (std::size_t column = 0; column < plans.size(); ++column)
+    if (plans[column].dialect.type == FieldType::Inferred &&
+        std::find(data.textColumns.begin(), data.textColumns.end(), headers[column]) != data.textColumns.end())
+      plans[column].dialect.type = FieldType::String;
+}
+
 }  // namespace
 
 OpenedDataset OpenDataset(const OpenOptions& options) {
@@ -90,6 +113,7 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
   Input input = FindInput(options, notes);
   // The weight that is asked for stands instead of the dictionary's, which may then be as wrong as it likes.
   if (options.weight && input.descriptor) input.descriptor->weight.reset();
+  if (input.descriptor) MakeNullsMissing(*input.descriptor);
   const TableDescriptor* descriptor = input.descriptor ? &*input.descriptor : nullptr;
   const std::string& dataPath = input.dataPaths.front();
 
@@ -97,7 +121,9 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
   const PlanColumns plan = [&](const std::vector<std::string>& headers, std::vector<Note>& notesOfPlan) {
     fields.assign(headers.size(), nullptr);
     if (descriptor != nullptr) fields = MatchFields(*descriptor, headers, options.strict, notesOfPlan);
-    return PlanFor(descriptor, fields);
+    std::vector<ColumnPlan> plans = PlanFor(descriptor, fields);
+    if (descriptor != nullptr && descriptor->inlineData) KeepTextColumns(*descriptor->inlineData, headers, plans);
+    return plans;
   };
 
   ReadingOptions reading;
@@ -105,7 +131,12 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
   reading.manner = {options.pool.get(), options.segmentBytes, options.onProgress};
   if (options.columnMemory > 0) reading.memory->left = options.columnMemory;
   TypedTable table;
-  if (IsTableFile(dataPath)) {
+  if (descriptor != nullptr && descriptor->inlineData) {
+    InlineTable& data = *input.descriptor->inlineData;
+    std::vector<CsvInput> inputs;
+    inputs.push_back({dataPath, std::move(data.csv)});
+    table = ReadCsvInputs(std::move(inputs), data.dialect, plan, reading, notes);
+  } else if (IsTableFile(dataPath)) {
     if (input.dataPaths.size() > 1)
       throw DataError(fmt::format("{}: a resource of several files is read from CSV only", dataPath));
     const auto source = OpenTableFile(dataPath, options.pool ? options.pool->threads() : 1);

@@ -31,6 +31,7 @@ struct OpenOptions {
   std::string path;                       // a data file, a datapackage.json, or "-" for standard input
   std::optional<std::string> dictionary;  // names the dictionary; otherwise it is looked for beside the data
   std::optional<std::string> resource;    // of a data package that holds several
+  std::optional<std::string> schemas;     // a folder with copies of schemas that a package names by address
   std::optional<std::string> weight;      // overrides the dictionary's weight variable; empty: unweighted
   bool strict = false;                    // what does not fit the dictionary is an error
   std::int64_t chunkRows = 0;             // rows that a cursor hands out at once; 0: a whole block

@@ -49,9 +49,9 @@ class Dictionary(ProgramTest):
         self.refused('{"fields": [{"name": 5}]}', "/fields/0/name", "must be a text", "number")
         self.refused('{"fields": [{"title": "x"}]}', "/fields/0", '"name" is missing')
         self.field('"title": 7', "/title", "must be a text")
-        self.field('"type": ["integer"]', "/type", "must be a text")
-        self.field('"categories": 3', "/categories", "must be a list")
-        self.field('"missingValues": "9"', "/missingValues", "must be a list")
+        self.field('"type": ["integer", "string"]', "/type", "one type")
+        self.field('"categories": {"1": "one"}', "/categories", "resource")
+        self.field('"missingValues": {"9": "no"}', "/missingValues", "must be a list")
         self.field('"codebook": []', "/codebook", "must be an object")
         self.refused('{"fields": [%s], "codebook": {"weight": 3}}' % TWO, "/codebook/weight", "must be a text")
 
@@ -87,7 +87,7 @@ class Dictionary(ProgramTest):
         self.assert_refused(self.run_program("data.csv", "-c", LITTLE, "--strict"), 3, "data.schema.json", '"b"')
 
     def test_fieldsAndColumnsMeetByNameInAnyOrder(self):
-        self.write("data.schema.json", '{"fields": [{"name": "b", "title": "Text"}, {"name": "a", "title": "Number"}]}')
+        self.write("data.schema.json", '{"fields": [{"name": "b", "type": "string", "title": "Text"}, {"name": "a", "type": "integer", "title": "Number"}]}')
         result = self.run_program("data.csv", "-F", "json", "-c", "CODEBOOK /VARINFO LABEL /STATISTICS NONE.")
         self.assert_done(result)
         rows = [table["dimensions"][0]["items"][0]["items"][0] for table in json.loads(result.out)["procedures"][0]["tables"]]

@@ -39,8 +39,13 @@ Fit FitOf(std::string_view text, const CsvDialect& dialect) {
   std::map<std::size_t, std::size_t> recordsWithCells;
   RecordScanner scanner(text, dialect);
   std::vector<std::string_view> cells;
-  while (fit.records < kRecordsLookedAt && scanner.position() < kBytesLookedAt && scanner.Next(cells)) {
-    if (!scanner.lineIsBlank()) {
+  const std::int64_t headerEnd = dialect.headerRows.empty() ? 0 : dialect.headerRows.back();
+  std::int64_t row = 0;
+  while (fit.records < kRecordsLookedAt && scanner.position() < kBytesLookedAt) {
+    ++row;
+    if (scanner.SkipComment()) continue;
+    if (!scanner.Next(cells)) break;
+    if (!scanner.lineIsBlank() && row >= headerEnd && !dialect.IsCommentRow(row)) {
       if (fit.records == 0) fit.headerCells = cells.size();
       ++fit.records;
       ++recordsWithCells[cells.size()];
@@ -94,6 +99,10 @@ CsvDialect FindDialect(std::string_view text, const TextDialect& said, const std
   dialect.doubleQuote = said.doubleQuote.value_or(true);
   dialect.header = said.header.value_or(true);
   dialect.skipInitialSpace = said.skipInitialSpace.value_or(false);
+  dialect.comment = said.commentChar.value_or("");
+  dialect.commentRows = said.commentRows;
+  dialect.headerRows = said.headerRows;
+  dialect.headerJoin = said.headerJoin.value_or(" ");
   dialect.delimiter =
       said.delimiter ? OneCharacter(*said.delimiter, "delimiter", source) : FindDelimiter(text, dialect, source);
   if (dialect.delimiter == dialect.quote)

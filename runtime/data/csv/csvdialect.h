@@ -1,8 +1,11 @@
 // How the text of a file is cut into records and cells.
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "runtime/data/dictionary/descriptor.h"
 
@@ -14,6 +17,12 @@ struct CsvDialect {
   bool doubleQuote = true;
   bool header = true;
   bool skipInitialSpace = false;
+  std::string comment;                    // lines that begin with it are no records; empty: there are none
+  std::vector<std::int64_t> commentRows;  // records that are left out, from 1, ascending; lines of comment count too
+  std::vector<std::int64_t> headerRows;   // records that make the header, ascending; empty: the first one
+  std::string headerJoin = " ";
+
+  bool IsCommentRow(std::int64_t row) const { return std::binary_search(commentRows.begin(), commentRows.end(), row); }
 };
 
 /// What the dictionary says, the rest found from the text. A delimiter is looked for among comma, semicolon, tab and

@@ -178,6 +178,8 @@ InputText::InputText(const std::string& path, const std::optional<std::string>& 
   Decode(encoding, notes);
 }
 
+InputText::InputText(std::string name, std::string text) : fName(std::move(name)) { Take(std::move(text)); }
+
 void InputText::Decode(const std::optional<std::string>& encoding, std::vector<Note>& notes) {
   std::string_view bytes = fBytes->bytes();
   std::string name = encoding.value_or("UTF-8");

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "runtime/data/open.h"
@@ -46,12 +47,17 @@ class InputText {
   /// a file that is no text.
   InputText(const std::string& path, const std::optional<std::string>& encoding, std::vector<Note>& notes);
 
+  /// A text that is at hand, in UTF-8. `name` is what messages name it.
+  InputText(std::string name, std::string text);
+
   /// CellBlock::kReadAhead bytes can be read behind it.
   std::string_view text() const { return fText; }
   /// Whether the text may hold bytes that are no UTF-8.
   bool mayBeInvalid() const { return fMayBeInvalid; }
   /// Replaces what is no UTF-8. The former text is gone.
   void Repair(std::vector<Note>& notes);
+  /// Takes another text for the file's. The former text is gone.
+  void Replace(std::string text) { Take(std::move(text)); }
   /// The memory of a part of the text is not needed for now.
   void Release(std::string_view part) const;
   /// As messages name it: the path, or "standard input".

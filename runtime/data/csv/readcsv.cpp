@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "runtime/data/csv/encoding.h"
+#include "runtime/data/csv/preparedtext.h"
 #include "runtime/data/csv/segmentedreading.h"
 #include "runtime/data/store/blanktexts.h"
 #include "runtime/data/typing/unreadablecells.h"
@@ -17,13 +19,23 @@ namespace {
 constexpr std::size_t kBytesLookedAt = std::size_t{256} << 10;  // to guess what the columns hold
 constexpr std::size_t kRowsLookedAt = 1000;
 
-std::vector<CsvPart> OpenParts(const std::vector<std::string>& paths, const TextDialect& said,
-                               std::vector<Note>& notes) {
+/// The parts, with the dialect in which their texts are now.
+std::vector<CsvPart> OpenParts(std::vector<CsvInput> inputs, TextDialect& said, std::vector<Note>& notes) {
   std::vector<CsvPart> parts;
-  for (const std::string& path : paths) {
+  for (CsvInput& input : inputs) {
     CsvPart& part = parts.emplace_back();
-    part.input = std::make_unique<InputText>(path, said.encoding, notes);
+    part.input = input.text ? std::make_unique<InputText>(std::move(input.name), std::move(*input.text))
+                            : std::make_unique<InputText>(input.name, said.encoding, notes);
   }
+  if (!NeedsPreparing(said)) return parts;
+  TextDialect plain = said;
+  for (CsvPart& part : parts) {
+    if (FirstInvalidUtf8(part.input->text()) != std::string_view::npos) part.input->Repair(notes);
+    PreparedText prepared = PrepareText(part.input->text(), said, part.input->name());
+    part.input->Replace(std::move(prepared.text));
+    plain = std::move(prepared.dialect);
+  }
+  said = std::move(plain);
   return parts;
 }
 
@@ -42,6 +54,7 @@ void ReadHeaders(std::vector<CsvPart>& parts, const TextDialect& said) {
 void LookAhead(const CsvPart& part, const ColumnTypers& typers) {
   const std::string_view text = part.input->text();
   SegmentScanner scanner(text, part.dialect, part.header.names.size(), {.rows = kRowsLookedAt});
+  scanner.LeaveOut(part.header.leftOut);
   scanner.Begin(part.header.rowsBegin, std::min(text.size(), part.header.rowsBegin + kBytesLookedAt));
   CellBlock block;
   if (!scanner.Next(block)) return;
@@ -90,9 +103,17 @@ TypedTable ReadTable(const std::vector<CsvPart>& parts, const std::vector<Column
 
 }  // namespace
 
-TypedTable ReadCsv(const std::vector<std::string>& paths, const TextDialect& said, const PlanColumns& plan,
+TypedTable ReadCsv(const std::vector<std::string>& paths, const TextDialect& dialect, const PlanColumns& plan,
                    const ReadingOptions& options, std::vector<Note>& notes) {
-  std::vector<CsvPart> parts = OpenParts(paths, said, notes);
+  std::vector<CsvInput> inputs;
+  for (const std::string& path : paths) inputs.push_back({path, std::nullopt});
+  return ReadCsvInputs(std::move(inputs), dialect, plan, options, notes);
+}
+
+TypedTable ReadCsvInputs(std::vector<CsvInput> inputs, const TextDialect& dialect, const PlanColumns& plan,
+                         const ReadingOptions& options, std::vector<Note>& notes) {
+  TextDialect said = dialect;
+  std::vector<CsvPart> parts = OpenParts(std::move(inputs), said, notes);
   while (true) {
     std::vector<Note> ofReading;
     ReadHeaders(parts, said);

@@ -9,7 +9,19 @@ RecordScanner::RecordScanner(std::string_view text, const CsvDialect& dialect)
   for (const char c : {dialect.delimiter, '\n', '\r'}) fEndsCell[static_cast<unsigned char>(c)] = true;
 }
 
+bool RecordScanner::SkipComment() {
+  const std::string_view rest(fAt, static_cast<std::size_t>(fEnd - fAt));
+  if (fDialect.comment.empty() || rest.substr(0, fDialect.comment.size()) != fDialect.comment) return false;
+  while (fAt != fEnd && *fAt != '\n' && *fAt != '\r') ++fAt;
+  if (fAt == fEnd) return true;
+  if (*fAt++ == '\r' && fAt != fEnd && *fAt == '\n') ++fAt;
+  ++fNextLine;
+  return true;
+}
+
 bool RecordScanner::Next(std::vector<std::string_view>& cells) {
+  while (SkipComment()) {
+  }
   if (fAt == fEnd || fUnclosedQuote) return false;
   fLine = fNextLine;
   fLineIsBlank = *fAt == '\n' || *fAt == '\r';

@@ -25,8 +25,10 @@ class RecordScanner {
   /// `text` must outlive the scanner and the cells.
   RecordScanner(std::string_view text, const CsvDialect& dialect);
 
-  /// Appends the cells of the next record; false at the end of the text and before a quote that is never closed. A
-  /// blank line gives one empty cell. Cells are valid until ReleaseTexts.
+  /// Passes over a line of comment, where one comes next.
+  bool SkipComment();
+  /// Appends the cells of the next record, lines of comment before it passed over; false at the end of the text and
+  /// before a quote that is never closed. A blank line gives one empty cell. Cells are valid until ReleaseTexts.
   bool Next(std::vector<std::string_view>& cells);
 
   /// Of the record last given: the line in which it begins, from 1; whether it is a line without any character.

@@ -19,6 +19,7 @@ void SegmentReader::Read(const CsvPart& part, std::size_t begin, std::size_t end
   const std::string_view text = part.input->text();
   if (fPart != &part) {
     fScanner = std::make_unique<SegmentScanner>(text, part.dialect, part.header.names.size());
+    fScanner->LeaveOut(part.header.leftOut);
     fPart = &part;
   }
   for (const std::unique_ptr<ColumnPiece>& piece : fPieces)

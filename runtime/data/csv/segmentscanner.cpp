@@ -141,9 +141,28 @@ bool SegmentScanner::Next(CellBlock& block) {
   return fRows > 0;
 }
 
+bool SegmentScanner::PassOver() {
+  LeftOutRecord record{fAt, fAt, 0};
+  if (!fDialect.comment.empty() && fText.compare(fAt, fDialect.comment.size(), fDialect.comment) == 0) {
+    const std::size_t lineEnd = FindLineEnd(fText, fAt);
+    record.end = BehindLineEnd(lineEnd);
+    record.lineEnds = lineEnd < fText.size() ? 1 : 0;
+  } else if (fLeftOut != nullptr) {
+    const auto found = std::lower_bound(fLeftOut->begin(), fLeftOut->end(), fAt,
+                                        [](const LeftOutRecord& other, std::size_t at) { return other.begin < at; });
+    if (found != fLeftOut->end() && found->begin == fAt) record = *found;
+  }
+  if (record.end == fAt) return false;
+  fFindings.lineEnds += record.lineEnds;
+  fAt = record.end;
+  if (fRows == 0) fBase = fAt;
+  return true;
+}
+
 void SegmentScanner::CutRows() {
+  const bool hasOthers = HasOthers();
   while (fAt < fEnd && fRows < fLimits.rows && (fRows == 0 || fAt - fBase <= fLimits.placeReach)) {
-    if (CutPlainRows()) continue;
+    if (hasOthers ? PassOver() : CutPlainRows()) continue;
     const char first = fText[fAt];
     if (fColumns > 1 && (first == '\n' || first == '\r')) {
       fFindings.NoteBlankLine();

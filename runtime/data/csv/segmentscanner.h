@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "runtime/data/csv/csvdialect.h"
+#include "runtime/data/csv/headerrecord.h"
 #include "runtime/data/csv/scanfindings.h"
 #include "runtime/data/csv/structuremarks.h"
 #include "runtime/data/csv/textarena.h"
@@ -36,6 +37,9 @@ struct ScanLimits {
 /// their closing quote. One thread; several scanners may read the same text.
 class SegmentScanner {
  public:
+  /// Records to leave out, ascending; they must outlive the scanner.
+  void LeaveOut(const std::vector<LeftOutRecord>& records) { fLeftOut = &records; }
+
   enum class BeginIs { Proven, Guessed };
 
   /// `text` must outlive the scanner, and CellBlock::kReadAhead bytes behind its end must be readable.
@@ -77,6 +81,10 @@ class SegmentScanner {
   };
 
   void CutRows();
+  /// Whether there are records to leave out or lines of comment.
+  bool HasOthers() const { return !fDialect.comment.empty() || (fLeftOut != nullptr && !fLeftOut->empty()); }
+  /// Passes over a line of comment or a record to leave out, where one begins here.
+  bool PassOver();
   /// Takes the rows that end in the window, as long as no quotes and no blank lines are there; whether it took any.
   bool CutPlainRows();
   /// Passes over what stands before `at` in the lists of the window.
@@ -117,6 +125,7 @@ class SegmentScanner {
   StructureMarks fMarks;
   std::size_t fNextCellEnd = 0;  // in the lists of fMarks: those before are taken
   std::size_t fNextLineEnd = 0;
+  const std::vector<LeftOutRecord>* fLeftOut = nullptr;
 
   std::size_t fAt = 0;   // begin of the next record
   std::size_t fEnd = 0;  // of the segment

@@ -69,6 +69,19 @@ std::string PathInFolder(const std::string& folder, const JsonPlace& place) {
   return fs::absolute(fs::path(folder) / named).lexically_normal().string();
 }
 
+std::optional<std::string> FindInFolder(const std::string& folder, const std::string& name) {
+  if (name.empty() || name.find('\0') != std::string::npos || IsAbsolute(name) || HasParentStep(name))
+    return std::nullopt;
+  std::error_code error;
+  const fs::path file = fs::path(folder) / name;
+  if (!fs::is_regular_file(file, error)) return std::nullopt;
+  const fs::path root = fs::canonical(folder, error);
+  if (error) return std::nullopt;
+  const fs::path resolved = fs::canonical(file, error);
+  if (error || !LiesIn(root, resolved)) return std::nullopt;
+  return file.string();
+}
+
 std::string FolderOf(const std::string& path) {
   const std::string folder = fs::path(path).parent_path().string();
   return folder.empty() ? "." : folder;

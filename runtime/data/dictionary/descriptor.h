@@ -105,9 +105,10 @@ enum class FieldsMatch {
   Partial    // at least one field has a column
 };
 
-/// Data that stand in the dictionary itself, as CSV with a header line (comma, double quotes, LF).
+/// Data that stand in the dictionary itself, or were JSON, as CSV.
 struct InlineTable {
-  std::string csv;
+  std::string csv;                       // UTF-8
+  TextDialect dialect;                   // how it is written
   std::vector<std::string> textColumns;  // headers of those whose cells are texts although they look like numbers
 };
 
@@ -125,7 +126,9 @@ struct TableDescriptor {
   std::optional<std::string> label;
   std::vector<std::vector<std::string>> documents;
   DatasourceAttributes attributes;
-  // In the order of their file. Of a standard without these three levels all stand in `extras`.
+  // In the order of their file. Of a standard without these three levels all stand in `extras`. Properties of a package
+  // that became attributes (its licenses, ...) are among its extras too, in full: who writes them as properties leaves
+  // these attributes out.
   std::vector<ExtraProperty> extras;  // of the schema, or of the study
   std::vector<ExtraProperty> resourceExtras;
   std::vector<ExtraProperty> packageExtras;

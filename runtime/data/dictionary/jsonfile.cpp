@@ -11,6 +11,8 @@
 
 #include <fmt/format.h>
 
+#include "runtime/data/csv/encoding.h"
+#include "runtime/data/dictionary/jsontree.h"
 #include "runtime/data/open.h"
 
 namespace runtime::data {
@@ -62,15 +64,6 @@ void CheckDepth(std::string_view text, const std::string& origin) {
   }
 }
 
-/// What the parser says, without its own prefix and place.
-std::string ParserWords(const Json::exception& error) {
-  const std::string_view whole = error.what();
-  const std::size_t syntax = whole.find("syntax error ");
-  if (syntax != std::string_view::npos) return std::string(whole.substr(syntax));
-  const std::size_t prefix = whole.find("] ");
-  return std::string(prefix == std::string_view::npos ? whole : whole.substr(prefix + 2));
-}
-
 std::string ReadWhole(const std::string& path) {
   std::error_code ignored;
   if (std::filesystem::is_directory(path, ignored))
@@ -79,43 +72,43 @@ std::string ReadWhole(const std::string& path) {
   if (!file) throw DataError(fmt::format("{}: cannot open the dictionary: {}", path, std::strerror(errno)));
   std::string text;
   char buffer[65536];
-  while (const std::size_t read = std::fread(buffer, 1, sizeof buffer, file.get())) text.append(buffer, read);
+  while (const std::size_t read = std::fread(buffer, 1, sizeof buffer, file.get())) {
+    text.append(buffer, read);
+    if (text.size() > kMostJsonBytes)
+      throw DataError(
+          fmt::format("{}: this file is larger than {} MiB, which no dictionary is; keep data in a file of "
+                      "their own (CSV, JSON lines, Parquet)",
+                      path, kMostJsonBytes >> 20));
+  }
   if (std::ferror(file.get()) != 0)
     throw DataError(fmt::format("{}: cannot read the dictionary: {}", path, std::strerror(errno)));
   return text;
 }
 
-/// A key as a step of a JSON pointer.
-std::string PointerStep(std::string_view key) {
-  std::string step = "/";
-  for (const char byte : key) {
-    if (byte == '~')
-      step += "~0";
-    else if (byte == '/')
-      step += "~1";
-    else
-      step += byte;
-  }
-  return step;
-}
-
 }  // namespace
 
-Json ReadJsonFile(const std::string& path) { return ParseJson(ReadWhole(path), path); }
+Json ReadJsonFile(const std::string& path, std::vector<Note>* notes) { return ParseJson(ReadWhole(path), path, notes); }
 
-Json ParseJson(const std::string& text, const std::string& origin) {
+Json ParseJson(const std::string& text, const std::string& origin, std::vector<Note>* notes) {
   std::string_view json = text;
-  if (json.substr(0, 3) == "\xEF\xBB\xBF") json.remove_prefix(3);
+  const std::optional<ByteOrderMark> mark = FindByteOrderMark(json);
+  if (mark && !IsUtf8Name(mark->encoding))
+    throw DataError(fmt::format("{}: this is JSON in {}; save it in UTF-8", origin, mark->encoding));
+  if (mark) json.remove_prefix(mark->length);
   if (json.find_first_not_of(" \t\r\n") == std::string_view::npos)
     throw DataError(fmt::format("{}: the dictionary is empty", origin));
+  // The parser takes a NUL for the end of the text.
+  const std::size_t nul = json.find('\0');
+  if (nul != std::string_view::npos) FailAt(origin, json, nul, "a NUL character; JSON has none");
   CheckDepth(json, origin);
-  try {
-    return Json::parse(json);
-  } catch (const Json::parse_error& error) {
-    FailAt(origin, json, error.byte > 0 ? error.byte - 1 : 0, "this is no JSON: " + ParserWords(error));
-  } catch (const Json::exception& error) {
-    throw DataError(fmt::format("{}: this JSON cannot be read: {}", origin, ParserWords(error)));
-  }
+  JsonTree tree = BuildJsonTree(json);
+  if (!tree.problem.empty()) FailAt(origin, json, tree.problemAt, "this is no JSON: " + tree.problem);
+  if (tree.repeatedKeys > 0 && notes != nullptr)
+    notes->push_back(
+        {false, fmt::format("{}: {}: this property stands twice in its object, and the last one holds{}", origin,
+                            tree.firstRepeatedKey,
+                            tree.repeatedKeys == 1 ? "" : fmt::format(" (one of {} such)", tree.repeatedKeys))});
+  return std::move(tree.root);
 }
 
 std::optional<JsonPlace> JsonPlace::Find(std::string_view key) const {

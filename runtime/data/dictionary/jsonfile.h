@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "runtime/data/open.h"
+
 namespace runtime::data {
 
 /// Members of an object keep the order in which they stand in the file.
@@ -16,18 +18,22 @@ using Json = nlohmann::ordered_json;
 
 /// Deepest nesting of lists and objects that is read; a dictionary needs about ten levels.
 inline constexpr int kDeepestJson = 100;
+/// Largest file that is read as JSON.
+inline constexpr std::size_t kMostJsonBytes = std::size_t{128} << 20;
 
 /// Reads a file as JSON in UTF-8; a byte order mark is tolerated. Throws DataError: what is wrong, with line and
-/// column.
-Json ReadJsonFile(const std::string& path);
+/// column. A property that stands twice in its object is told in `notes` (null: not told), once a file.
+Json ReadJsonFile(const std::string& path, std::vector<Note>* notes = nullptr);
 /// The same for text; `origin` names it in messages.
-Json ParseJson(const std::string& text, const std::string& origin);
+Json ParseJson(const std::string& text, const std::string& origin, std::vector<Note>* notes = nullptr);
 
 /// A value in a JSON file that knows its place. The file's tree must outlive it. Everything that finds another type
 /// than asked for throws DataError.
 class JsonPlace {
  public:
   JsonPlace(const Json& value, std::string file) : fValue(&value), fFile(std::move(file)) {}
+
+  const Json& value() const { return *fValue; }
 
   bool isObject() const { return fValue->is_object(); }
   bool isList() const { return fValue->is_array(); }

@@ -1,6 +1,8 @@
 #include "runtime/data/dictionary/readdictionary.h"
 
+#include <array>
 #include <filesystem>
+#include <fstream>
 #include <string_view>
 #include <system_error>
 
@@ -8,8 +10,14 @@
 
 #include "runtime/data/dictionary/datapackage.h"
 #include "runtime/data/dictionary/datapath.h"
+#include "runtime/data/dictionary/ddi/readddi.h"
 #include "runtime/data/dictionary/jsonfile.h"
+#include "runtime/data/dictionary/keptproperties.h"
+#include "runtime/data/dictionary/packagefacts.h"
+#include "runtime/data/dictionary/redcap/readredcap.h"
 #include "runtime/data/dictionary/tableschema.h"
+#include "runtime/data/headersofdata.h"
+#include "runtime/data/typing/quotedcell.h"
 
 namespace runtime::data {
 namespace {
@@ -31,6 +39,20 @@ bool IsFile(const fs::path& path) {
   return fs::is_regular_file(path, error);
 }
 
+enum class FileKind { Json, Xml, Redcap };
+
+/// By the file's name, else by its first character.
+FileKind KindOf(const std::string& path) {
+  if (EndsWith(path, ".json")) return FileKind::Json;
+  if (EndsWith(path, ".xml")) return FileKind::Xml;
+  if (!IsFile(path)) return FileKind::Json;  // a pipe can be read only once
+  std::array<char, 64> beginning{};
+  std::ifstream file(path, std::ios::binary);
+  file.read(beginning.data(), beginning.size());
+  if (LooksLikeXml({beginning.data(), static_cast<std::size_t>(file.gcount())})) return FileKind::Xml;
+  return IsRedcapDictionary(path) ? FileKind::Redcap : FileKind::Json;
+}
+
 /// A schema by itself describes one file, so it speaks for the file too.
 TableDescriptor ReadSchemaFile(const JsonPlace& schema, const std::string& path, std::vector<Note>& notes) {
   TableDescriptor table;
@@ -39,7 +61,10 @@ TableDescriptor ReadSchemaFile(const JsonPlace& schema, const std::string& path,
   table.label = schema.FindText("title");
   if (table.label && table.label->empty()) table.label.reset();
   const auto description = schema.FindText("description");
+  if (description && !table.documents.empty()) table.extras.push_back({"description", Json(*description).dump()});
   if (description && !description->empty() && table.documents.empty()) table.documents = {SplitLines(*description)};
+  const auto profile = schema.Find("$schema");
+  if (profile && !IsStandardProfile(*profile)) table.extras.push_back({"$schema", profile->Written()});
   return table;
 }
 
@@ -62,10 +87,15 @@ std::optional<std::string> FindDictionary(const std::string& dataPath) {
 }
 
 TableDescriptor ReadDictionary(const DictionaryRequest& request, std::vector<Note>& notes) {
-  if (EndsWith(request.path, ".xml"))
-    throw DataError(fmt::format(
-        "{}: dictionaries in XML are not read yet; give a Data Package or a Table Schema (JSON)", request.path));
-  const Json tree = ReadJsonFile(request.path);
+  const FileKind kind = KindOf(request.path);
+  const auto headers = [&] { return request.dataPath ? HeadersOfData(*request.dataPath) : std::vector<std::string>(); };
+  if (kind == FileKind::Xml) return ReadDdi(request.path, {request.resource, request.dataPath, headers}, notes);
+  if (kind == FileKind::Redcap && request.resource)
+    throw DataError(fmt::format("{}: a REDCap data dictionary holds no resource {}; leave out --resource", request.path,
+                                QuotedCell(*request.resource)));
+  if (kind == FileKind::Redcap) return ReadRedcap(request.path, headers, notes);
+  Json tree = ReadJsonFile(request.path, &notes);
+  RestoreKeptProperties(tree);
   const JsonPlace root(tree, request.path);
   if (!root.isObject()) root.Fail("this is no dictionary; it must be a JSON object, a Data Package or a Table Schema");
   if (root.Find("resources")) return ReadPackage(root, request, notes);

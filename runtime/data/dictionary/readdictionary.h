@@ -19,14 +19,17 @@ std::optional<std::string> FindDictionary(const std::string& dataPath);
 
 struct DictionaryRequest {
   std::string path;                     // the dictionary file
-  std::optional<std::string> resource;  // of a data package
+  std::optional<std::string> resource;  // of a data package, or the file of a DDI-Codebook
   std::optional<std::string> dataPath;  // the data file that the dictionary is for, "-" for standard input; absent: the
                                         // package names it
+  // A folder with copies of the schemas and dialects that descriptors name by address.
+  std::optional<std::string> schemas = std::nullopt;
 };
 
-/// Reads a Data Package or a Table Schema. Of a package, the resource is the one asked for, else the one that lists the
-/// data file, else the only one. `dataPaths` of the result is filled when `dataPath` is absent; the files exist and lie
-/// in the package's folder. Throws DataError.
+/// Reads a Data Package, a Table Schema, a DDI-Codebook or a REDCap data dictionary. Of a package, the resource is the
+/// one asked for, else the one that lists the data file, else the only one; of a DDI-Codebook likewise, see ReadDdi.
+/// `dataPaths` of the result is filled when `dataPath` is absent; the files exist and lie in the package's folder.
+/// Throws DataError.
 TableDescriptor ReadDictionary(const DictionaryRequest& request, std::vector<Note>& notes);
 
 }  // namespace runtime::data

@@ -73,6 +73,8 @@ void ColumnFacts::Join(const ColumnFacts& next, std::int64_t rowsBefore, std::in
     if (cell.line > 0) unreadable.back().line += linesBefore;
   }
   roundedCells += next.roundedCells;
+  if (zeroPaddedCells == 0) firstZeroPadded = next.firstZeroPadded;
+  zeroPaddedCells += next.zeroPaddedCells;
   longestValue = std::max(longestValue, next.longestValue);
   decimals = std::max(decimals, next.decimals);
   values.Join(next.values);

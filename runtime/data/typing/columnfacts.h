@@ -79,6 +79,8 @@ struct ColumnFacts {
   std::int64_t unreadableCells = 0;        // of a numeric type: cells that are system-missing because they did not read
   std::vector<UnreadableCell> unreadable;  // the first kCellsKept of them
   std::int64_t roundedCells = 0;           // of type integer: whole numbers beyond 2^53 that are no double
+  std::int64_t zeroPaddedCells = 0;        // of type integer or number: written with zeros before the number
+  std::string firstZeroPadded;             // the first of them
   std::size_t longestValue = 0;            // string: bytes without trailing blanks
   int decimals = 0;                        // numeric: most digits behind the decimal point, the exponent considered
   ValueFacts values;                       // numeric

@@ -33,6 +33,14 @@ void ReportUnreadableCells(const std::string& source, const std::vector<const Co
     if (column->unreadableCells > 1)
       notes.push_back({false, fmt::format("{}; it is one of {} such cells of the column, all system-missing",
                                           DescribeUnreadable(source, *column), column->unreadableCells)});
+    if (column->zeroPaddedCells > 0)
+      notes.push_back(
+          {false, fmt::format("{}: column {}: {} written with leading zeros, such as {}, which a number does "
+                              "not keep; a field of type string does",
+                              source, QuotedCell(column->header),
+                              column->zeroPaddedCells == 1 ? std::string("1 cell is")
+                                                           : fmt::format("{} cells are", column->zeroPaddedCells),
+                              QuotedCell(column->firstZeroPadded))});
     if (column->roundedCells > 0)
       notes.push_back(
           {false, fmt::format("{}: column {}: {} whole numbers beyond 2^53 had to be rounded; a field of type "

@@ -15,6 +15,13 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
+/// Zeros before a number of which it is not the only digit. No such cell is of the common form, so that all are seen
+/// here.
+bool IsZeroPadded(std::string_view text) {
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+  return text.size() > 1 && text[0] == '0' && text[1] >= '0' && text[1] <= '9';
+}
+
 class ValuePiece : public NumericPiece {
  public:
   explicit ValuePiece(const ValueColumn::Rules& rules) : fRules(rules) { fFacts.type = rules.reader.type(); }
@@ -37,13 +44,13 @@ class ValuePiece : public NumericPiece {
       if (fRules.missing.holdsEmptyText()) return kNaN;
     }
     NumberReading reading;
-    if (!fRules.missingFirst && fRules.reader.Read(text, reading)) return Accept(reading);
+    if (!fRules.missingFirst && fRules.reader.Read(text, reading)) return Accept(reading, text);
     if (const MissingEntries::Entry* entry = fRules.missing.Find(text)) {
       if (!entry->code) return kNaN;
       fFacts.decimals = std::max(fFacts.decimals, entry->decimals);
       return *entry->code;
     }
-    if (fRules.missingFirst && fRules.reader.Read(text, reading)) return Accept(reading);
+    if (fRules.missingFirst && fRules.reader.Read(text, reading)) return Accept(reading, text);
     if (fFacts.unreadable.size() < ColumnFacts::kCellsKept)
       fFacts.unreadable.push_back({block.firstRow + static_cast<std::int64_t>(row) + 1,
                                    block.lines ? block.lines[row] + 1 : 0, std::string(block.source),
@@ -52,8 +59,10 @@ class ValuePiece : public NumericPiece {
     return kNaN;
   }
 
-  double Accept(const NumberReading& reading) {
+  double Accept(const NumberReading& reading, std::string_view text) {
     fFacts.decimals = std::max(fFacts.decimals, reading.decimals);
+    if (fRules.reader.isPlain() && IsZeroPadded(Trimmed(text)) && fFacts.zeroPaddedCells++ == 0)
+      fFacts.firstZeroPadded = text;
     if (fRules.reader.type() == FieldType::Integer && !reading.isExact) ++fFacts.roundedCells;
     return reading.value;
   }

@@ -53,6 +53,12 @@ TEST_F(Package, givesTheOnlyResource) {
   EXPECT_TRUE(table.hasSchema);
 }
 
+TEST_F(Package, givesANamelessResourceByItsPath) {
+  fFolder.Write("two.csv", "b\n");
+  const std::string package = R"({"resources":[{"path":"data.csv","title":"1"},{"path":"two.csv","title":"2"}]})";
+  EXPECT_EQ(Read(package, "two.csv").label, "2");
+}
+
 TEST_F(Package, withoutASchemaLeavesAllColumnsToInference) {
   const TableDescriptor table = Read(OneResource(R"("path":"data.csv")"));
   EXPECT_FALSE(table.hasSchema);
@@ -65,7 +71,7 @@ TEST_F(Package, ofSeveralResourcesGivesTheOneThatIsNamed) {
   const std::string package =
       R"({"resources":[{"name":"one","path":"data.csv"},{"name":"two","path":"two.csv"},{"path":"data.csv"}]})";
   EXPECT_THAT(Read(package, "two").dataPaths, ElementsAre(EndsWith("/two.csv")));
-  EXPECT_THAT(Problem(package), HasSubstr("choose one with --resource NAME: one, two, (no name)"));
+  EXPECT_THAT(Problem(package), HasSubstr("choose one with --resource NAME: one, two, (no name) \"data.csv\""));
   EXPECT_THAT(Problem(package, "three"), HasSubstr("there is no resource \"three\"; the package holds: one, two"));
 }
 
@@ -132,7 +138,6 @@ TEST_F(Package, refusesEmptyMissingAndDamagedPaths) {
   EXPECT_THAT(PathProblem("data.csv\\u0000.txt"), HasSubstr("NUL"));
   EXPECT_THAT(Problem(OneResource(R"("path":1)")), HasSubstr("/resources/0/path: this must be a text"));
   EXPECT_THAT(Problem(OneResource(R"("title":"t")")), HasSubstr("the resource names no data"));
-  EXPECT_THAT(Problem(OneResource(R"("data":[{"a":1}])")), HasSubstr("save them as a CSV file"));
 }
 
 TEST_F(Package, checksEveryPathOfAList) {
@@ -155,10 +160,36 @@ TEST_F(Package, readsASchemaInAFileOfTheFolder) {
 TEST_F(Package, readsTheLocalCopyOfASchemaNamedByItsAddress) {
   const std::string package = OneResource(R"("path":"data.csv","schema":"https://example.org/1.0/s.json")");
   EXPECT_THAT(Problem(package), HasSubstr("save it beside the descriptor as \"s.json\""));
-  fFolder.Write("schemas/s.json", R"({"fields":[{"name":"a"}]})");
+  fFolder.Write("schemas/s.json", R"({"fields":[{"name":"a","type":"any"}]})");
   EXPECT_EQ(Read(package).fields.size(), 1U);
   ASSERT_EQ(fNotes.size(), 1U);
   EXPECT_THAT(fNotes[0].text, HasSubstr("was not fetched; its local copy"));
+}
+
+TEST_F(Package, readsTheCopyInTheFolderOfSchemasFirst) {
+  const TemporaryFolder schemas;
+  const std::string path = fFolder.Write(
+      "datapackage.json", OneResource(R"("path":"data.csv","schema":"https://example.org/1.0/s.json?v=1#top")"));
+  fFolder.Write("s.json", R"({"fields":[{"name":"a","title":"beside"}]})");
+  schemas.Write("s.json", R"({"fields":[{"name":"a","title":"by name"}]})");
+  const auto title = [&] {
+    return ReadDictionary({path, {}, {}, schemas.Path()}, fNotes).fields.at(0).title.value_or("");
+  };
+  EXPECT_EQ(title(), "by name");
+  schemas.Write("example.org/1.0/s.json", R"({"fields":[{"name":"a","title":"by address"}]})");
+  EXPECT_EQ(title(), "by address");
+}
+
+TEST_F(Package, looksForNoCopyOutsideOfItsFolders) {
+  const TemporaryFolder elsewhere;
+  elsewhere.Write("s.json", R"({"fields":[]})");
+  std::filesystem::create_symlink(elsewhere.Path("s.json"), fFolder.Path("s.json"));
+  EXPECT_THAT(Problem(OneResource(R"("path":"data.csv","schema":"http://example.org/s.json")")),
+              HasSubstr("in a folder that --schemas names"));
+  for (const char* address : {"http://example.org/..", "http://example.org/", "http://", "http://x/a/../.."})
+    EXPECT_THAT(Problem(OneResource(std::string(R"("path":"data.csv","schema":")") + address + "\"")),
+                HasSubstr("nothing is fetched"))
+        << address;
 }
 
 TEST_F(Package, readsTheDialect) {
@@ -174,8 +205,8 @@ TEST_F(Package, readsTheDialect) {
   EXPECT_THAT(fNotes, IsEmpty());
   fFolder.Write("dialect.json", R"({"delimiter":"\t","escapeChar":"\\"})");
   EXPECT_EQ(Read(OneResource(R"("path":"data.csv","dialect":"dialect.json")")).dialect.delimiter, "\t");
-  ASSERT_EQ(fNotes.size(), 1U);
-  EXPECT_THAT(fNotes[0].text, HasSubstr("/escapeChar: this property of the dialect is not supported"));
+  EXPECT_EQ(Read(OneResource(R"("path":"data.csv","dialect":"dialect.json")")).dialect.escapeChar, "\\");
+  EXPECT_THAT(fNotes, IsEmpty());
 }
 
 TEST_F(Package, leavesTheDialectToTheDataWhereNothingIsSaid) {
@@ -183,12 +214,47 @@ TEST_F(Package, leavesTheDialectToTheDataWhereNothingIsSaid) {
   EXPECT_FALSE(dialect.delimiter || dialect.quoteChar || dialect.doubleQuote || dialect.header || dialect.encoding);
 }
 
-TEST_F(Package, refusesDelimitersThatAreNotOneCharacter) {
-  for (const char* delimiter : {"", ";;", "é", "\\n"})
-    EXPECT_THAT(Problem(OneResource(std::string(R"("path":"data.csv","dialect":{"delimiter":")") + delimiter + "\"}")),
-                HasSubstr("/dialect/delimiter: "))
-        << delimiter;
-  EXPECT_EQ(Read(OneResource(R"("path":"data.csv","dialect":{"quoteChar":""})")).dialect.quoteChar, "");
+TEST_F(Package, readsTheRestOfTheDialect) {
+  const TextDialect dialect =
+      Read(OneResource(R"("path":"data.csv","dialect":{"delimiter":"||","escapeChar":"\\","nullSequence":"\\N",
+      "lineTerminator":";","commentChar":"//","commentRows":[9,4],"headerRows":[2,1],"headerJoin":"-",
+      "caseSensitiveHeader":false,"csvddfVersion":1.2})"))
+          .dialect;
+  EXPECT_EQ(dialect.delimiter, "||");
+  EXPECT_EQ(dialect.nullSequence, "\\N");
+  EXPECT_EQ(dialect.lineTerminator, ";");
+  EXPECT_EQ(dialect.commentChar, "//");
+  EXPECT_THAT(dialect.commentRows, ElementsAre(4, 9));
+  EXPECT_THAT(dialect.headerRows, ElementsAre(1, 2));
+  EXPECT_EQ(dialect.headerJoin, "-");
+  EXPECT_EQ(dialect.caseSensitiveHeader, false);
+  ASSERT_EQ(dialect.extras.size(), 1U);
+  EXPECT_EQ(dialect.extras[0].name, "csvddfVersion");
+  EXPECT_EQ(dialect.extras[0].json, "1.2");
+  EXPECT_THAT(fNotes, IsEmpty());
+}
+
+TEST_F(Package, refusesADialectThatCannotBeMeant) {
+  const auto problem = [&](const std::string& property) {
+    return Problem(OneResource(R"("path":"data.csv","dialect":{)" + property + "}"));
+  };
+  EXPECT_THAT(problem(R"("delimiter":"")"), HasSubstr("/dialect/delimiter: "));
+  EXPECT_THAT(problem(R"("delimiter":"\n")"), HasSubstr("/dialect/delimiter: "));
+  EXPECT_THAT(problem(R"("quoteChar":"''")"), HasSubstr("/dialect/quoteChar: "));
+  EXPECT_THAT(problem(R"("escapeChar":"ab")"), HasSubstr("/dialect/escapeChar: "));
+  EXPECT_THAT(problem(R"("headerRows":[0])"), HasSubstr("/dialect/headerRows/0: a row is given by its number"));
+  EXPECT_THAT(problem(R"("commentRows":[1.5])"), HasSubstr("/dialect/commentRows/0: "));
+  EXPECT_EQ(Read(OneResource(R"("path":"data.csv","dialect":{"quoteChar":"","delimiter":"é"})")).dialect.quoteChar, "");
+}
+
+TEST_F(Package, tellsOfTheDialectWhatIsForOtherFiles) {
+  Read(OneResource(R"("path":"data.csv","dialect":{"sheetNumber":2,"table":"t"})"));
+  ASSERT_EQ(fNotes.size(), 2U);
+  EXPECT_THAT(fNotes[0].text, HasSubstr("/dialect/sheetNumber: this is for spreadsheets"));
+  EXPECT_THAT(fNotes[1].text, HasSubstr("/dialect/table: this is for databases"));
+  Read(OneResource(R"("path":"data.csv","dialect":{"delimiter":",","lineTerminator":","})"));
+  ASSERT_EQ(fNotes.size(), 1U);
+  EXPECT_THAT(fNotes[0].text, HasSubstr("/dialect/lineTerminator: it is the delimiter too"));
 }
 
 TEST_F(Package, titleOfTheResourceGoesBeforeThatOfThePackage) {

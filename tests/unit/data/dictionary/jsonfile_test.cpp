@@ -67,7 +67,45 @@ TEST(JsonFile, countsNoBracketsInTexts) {
 }
 
 TEST(JsonFile, refusesANumberThatNoDoubleHolds) {
-  EXPECT_THAT(ProblemOf("{\"a\": 1e999}"), HasSubstr("d.json: this JSON cannot be read: "));
+  EXPECT_THAT(ProblemOf("{\"a\": 1e999}"), StartsWith("d.json:1:11: this is no JSON: number overflow"));
+}
+
+TEST(JsonFile, refusesANulCharacterWhereverItStands) {
+  EXPECT_EQ(ProblemOf(std::string("{\"a\":1}\0 {", 10)), "d.json:1:8: a NUL character; JSON has none");
+  EXPECT_THAT(ProblemOf(std::string("{\n\"a\0\":1}", 10)), StartsWith("d.json:2:3: a NUL character"));
+}
+
+TEST(JsonFile, saysThatUtf16IsNotUtf8) {
+  EXPECT_THAT(ProblemOf(std::string("\xFF\xFE{\0}\0", 6)), HasSubstr("this is JSON in UTF-16"));
+}
+
+TEST(JsonFile, takesTheLastOfPropertiesOfOneNameAndTellsThemOnce) {
+  std::vector<Note> notes;
+  const Json tree = ParseJson(R"({"a":[{},{"x/y":1,"b":2,"x/y":3,"b":4}],"c":{"d":1}})", "d.json", &notes);
+  EXPECT_EQ(tree["a"][1]["x/y"], 3);
+  EXPECT_EQ(tree["a"][1]["b"], 4);
+  EXPECT_EQ(tree["a"][1].size(), 2U);
+  ASSERT_EQ(notes.size(), 1U);
+  EXPECT_EQ(notes[0].text,
+            "d.json: /a/1/x~1y: this property stands twice in its object, and the last one holds (one of 2 such)");
+}
+
+TEST(JsonFile, readsAnObjectOfVeryManyPropertiesInTime) {
+  std::string text = "{";
+  for (int i = 0; i < 200000; ++i) text += "\"k" + std::to_string(i) + "\":" + std::to_string(i) + ",";
+  text += "\"k7\":-1}";
+  const auto begun = std::chrono::steady_clock::now();
+  std::vector<Note> notes;
+  const Json tree = ParseJson(text, "d.json", &notes);
+  EXPECT_EQ(tree.size(), 200000U);
+  EXPECT_EQ(tree["k7"], -1);
+  EXPECT_EQ(notes.size(), 1U);
+  EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(20));
+}
+
+TEST(JsonFile, keepsTheOrderOfProperties) {
+  EXPECT_EQ(ParseJson(R"({"z":1,"a":{"y":[true,null,-2,1.5,"t"],"b":{}}})", "d.json").dump(),
+            R"({"z":1,"a":{"y":[true,null,-2,1.5,"t"],"b":{}}})");
 }
 
 TEST(JsonFile, namesAFileThatCannotBeRead) {

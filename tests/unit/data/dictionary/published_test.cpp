@@ -73,8 +73,11 @@ TEST(PublishedPackages, versionsOneAndTwoOfADeploymentTableGiveTheSameDictionary
   EXPECT_THAT(one[0].missing.texts, ElementsAre("", "NA", "NaN"));
   EXPECT_EQ(one.table.fields.at(3).dialect.format, "%x");
   EXPECT_EQ(one.table.fields.at(2).dialect.type, FieldType::Inferred);
-  EXPECT_TRUE(one.notes.empty());
-  EXPECT_TRUE(two.notes.empty());
+  for (const Described& version : {one, two}) {
+    ASSERT_EQ(version.notes.size(), 1U);
+    EXPECT_THAT(version.notes[0].text,
+                testing::EndsWith("field \"latitude\" has no \"type\"; it is inferred from the data"));
+  }
 }
 
 TEST(PublishedPackages, versionTwoLabelsTheMissingValuesOfAnObservationTable) {
