@@ -1,9 +1,13 @@
 """Nothing from data, dictionary, command or file name reaches the terminal raw: not in tables, not in messages."""
 
 import json
+import os
+import pty
+import select
+import subprocess
 import unittest
 
-from program import CONTROLS, ProgramTest
+from program import CONTROLS, PROGRAM, ProgramTest
 
 ESCAPES = "\x1b[31mred\x1b]0;title\x07"
 CONTROL_SEQUENCE = "\u009b31m"  # one character that begins a sequence as ESC [ does
@@ -43,6 +47,19 @@ class Terminal(ProgramTest):
                         "codebook": {"attributes": {bad: [bad, bad]}}}, {"name": "s", "type": "string"}]}))
         result = self.check()
         self.assert_status(result, 0)
+
+    def test_formatThatIsNoTextIsKeptFromTheTerminal(self):
+        master, slave = pty.openpty()
+        self.addCleanup(os.close, master)
+        done = subprocess.run([PROGRAM, "data.csv", "-F", "xlsx"], stdin=subprocess.DEVNULL, stdout=slave, stderr=subprocess.PIPE, cwd=self.folder, check=False)
+        readable, _, _ = select.select([master], [], [], 0)
+        os.close(slave)
+        self.assertFalse(readable, "something went to the terminal")
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(b"-o FILE.xlsx", done.stderr)
+
+    def test_formatThatIsNoTextMayGoToAPipe(self):
+        self.assertEqual(self.run_program("data.csv", "-F", "xlsx").out[:2], b"PK")
 
     def test_messagesAboutData(self):
         self.write("data.schema.json", '{"fields": [{"name": "n"}, {"name": "s", "type": "integer"}]}')

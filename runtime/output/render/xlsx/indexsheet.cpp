@@ -11,6 +11,7 @@ namespace runtime::output {
 namespace {
 
 const char* const kCountFormat = "0";
+constexpr std::string_view kNoteOnPictures = "Histograms";  // by its English name; a workbook has no pictures
 
 SheetCell Count(double count) { return SheetCell::Number(count, kCountFormat); }
 
@@ -69,7 +70,8 @@ void IndexSheet::WriteNotes(const ReportFacts& facts) {
   if (facts.notes.empty()) return;
   WriteHead({Translate(fCatalog, "Method"), ""});
   for (const MethodNote& note : facts.notes)
-    fSheet.AddRow({SheetCell::Text(NoteName(note, fCatalog)), SheetCell::Text(NoteText(note, fCatalog))});
+    if (note.name != kNoteOnPictures)
+      fSheet.AddRow({SheetCell::Text(NoteName(note, fCatalog)), SheetCell::Text(NoteText(note, fCatalog))});
 }
 
 void IndexSheet::WriteMessages() {

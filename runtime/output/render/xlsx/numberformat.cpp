@@ -42,7 +42,7 @@ std::string WorkbookNumberFormat(const BpFormatSpec& format) {
       return "0" + behindPoint + "E+00";
     case kFormatN: {
       const int digits = format.width - (decimals == 0 ? 0 : decimals + 1);
-      return Zeros(std::clamp(digits, 1, kMostZeros)) + behindPoint;
+      return Zeros(std::clamp(digits, 1, kMostZeros)) + behindPoint + ";-0" + behindPoint;  // negative ones without
     }
     default:
       break;

@@ -80,7 +80,9 @@ TemporaryFiles::TemporaryFiles() { filesOfThread = this; }
 
 TemporaryFiles::~TemporaryFiles() { filesOfThread = nullptr; }
 
-void TemporaryFiles::Check() const {
+void TemporaryFiles::Check() {
+  for (const auto& file : fFiles)
+    if (file->stream != nullptr) std::fflush(file->stream);
   if (fFailure) std::rethrow_exception(fFailure);
 }
 

@@ -18,8 +18,8 @@ class TemporaryFiles {
   TemporaryFiles(const TemporaryFiles&) = delete;
   TemporaryFiles& operator=(const TemporaryFiles&) = delete;
 
-  /// Throws the first failure, if there was any.
-  void Check() const;
+  /// Hands on what the streams hold back and throws the first failure, if there was any.
+  void Check();
 
   /// For the library: the stream of a new file, null when there is no memory for it.
   std::FILE* Open();

@@ -132,6 +132,7 @@ void Workbook::SetTitle(const std::string& title) {
 }
 
 void Workbook::WriteTo(std::ostream& out) {
+  fFiles.Check();
   lxw_workbook* const workbook = std::exchange(fWorkbook, nullptr);  // closing frees it, come what may
   const lxw_error code = workbook_close(workbook);
   fFiles.Check();
