@@ -11,7 +11,7 @@ build = cmake --preset $(1) $(2) --log-level=WARNING >/dev/null && cmake --build
 # $(call run_tests,PRESET): last in a target, so that its closing lines are ctest's summary.
 run_tests = ctest --test-dir build/$(1) --output-on-failure --no-tests=error -j $(JOBS)
 
-.PHONY: help build messages demo test test-asan test-tsan coverage format check-format tidy bench bench-scaling clean
+.PHONY: help build messages demo examples test test-asan test-tsan test-browser coverage format check-format lint-page tidy bench bench-scaling clean
 
 help:  ## show this list
 	@sed -n 's/^\([a-z-]*\):.*## /  make \1|/p' Makefile | column -t -s '|'
@@ -26,6 +26,9 @@ messages:  ## bring the catalogs of po/ up to the fixed texts of the sources
 
 demo: build  ## build, then the codebook of a real survey
 	@scripts/demo
+
+examples: build  ## write the codebooks in examples/ anew
+	@scripts/examples
 
 test:  ## build for development, run every test
 	@scripts/setup build test
@@ -44,6 +47,11 @@ test-tsan:  ## the tests under the thread sanitizer
 	@$(call build,tsan,)
 	@$(call run_tests,tsan)
 
+test-browser:  ## the HTML report in Chromium; pages and pictures are kept in build/browser (FILES="tests/browser/page.test.mjs")
+	@scripts/setup build test browser
+	@$(call build,dev,)
+	@scripts/browser test $(CURDIR)/build/dev/codebook $(FILES)
+
 coverage:  ## branch coverage of codebook/; fails under 95 %
 	@scripts/setup build test coverage
 	@$(call build,coverage,)
@@ -58,6 +66,10 @@ format:  ## lay out every source as .clang-format says
 check-format:  ## say which sources are not laid out so
 	@scripts/setup style
 	@scripts/format --check
+
+lint-page:  ## the linter over the script of the HTML report and its tests
+	@scripts/setup browser
+	@scripts/browser lint
 
 tidy:  ## clang-tidy over what differs from origin/main (FILES="a.cpp b.cpp", or ALL=1 for every source)
 	@scripts/setup build test style

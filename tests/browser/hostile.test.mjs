@@ -121,7 +121,7 @@ test('names that differ only in case have links of their own', async () => {
 
 test('a variable that two commands show has two links', async () => {
   const data = dataFile('twice', 'a,b\n1,2\n', { fields: [{ name: 'a', type: 'integer' }, { name: 'b', type: 'integer' }] });
-  const { page: file } = reportOf('twice', data, '-c', 'CODEBOOK a b. CODEBOOK a /STATISTICS NONE.');
+  const { page: file } = reportOf('twice', data, '-c', 'CODEBOOK a b.\nCODEBOOK a /STATISTICS NONE.');
   for (const [hash, place] of [['#v=a', 0], ['#v=a&p=2', 2]]) {
     const page = await openPage(browser, file, { hash });
     await page.waitForTimeout(200);

@@ -25,6 +25,7 @@ const std::vector<const char*>& PageWords() {
       N_("Date"),
       N_("described here: ^1"),
       N_("Dichotomy set"),
+      N_("empty"),
       N_("Error"),
       N_("Go to the search"),
       N_("Has messages"),

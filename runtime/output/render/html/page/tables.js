@@ -10,6 +10,8 @@ const LONG_CELL = 1200; // characters of a cell; what is longer is folded at fir
 
 function dataCell(tag, text, properties) {
   const cell = make(tag, { dir: 'auto', ...properties }, ...visibleParts(text));
+  // A header is there to be seen and heard, also that of an empty value.
+  if (tag === 'th' && text.trim() === '') cell.append(make('span', { class: 'blank', role: 'img', 'aria-label': word('empty') }));
   return text.length > LONG_CELL ? folded(cell) : cell;
 }
 
