@@ -9,6 +9,7 @@
     status      the exit status
     messages    what the program has to say, in the notation of reportdump.py
     report      the report, in the same notation; empty when there is none
+    facts       the facts beside the report, in the same notation; absent: only looked at for being the same in every run
 """
 
 import csv
@@ -19,7 +20,7 @@ PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file
 ENDING = ".golden"
 MARK = "--- "
 INPUTS = ("about", "data", "data-file", "dictionary", "dictionary-file", "sources", "options", "command")
-OUTCOME = ("status", "messages", "report")
+OUTCOME = ("status", "messages", "report", "facts")
 
 
 class CaseError(Exception):
@@ -59,8 +60,12 @@ class GoldenCase:
         return self.sections["command"]
 
     def outcome(self):
-        """What is expected: status, messages and report as one text."""
-        return outcome_text({name: self.sections.get(name, "") for name in OUTCOME})
+        """What is expected: status, messages, report and, where the case has them, facts as one text."""
+        return self.outcome_of({name: self.sections.get(name, "") for name in OUTCOME})
+
+    def outcome_of(self, parts):
+        """The same of other parts."""
+        return "".join(f"{MARK}{name}\n{parts[name]}" for name in OUTCOME if name != "facts" or name in self.sections)
 
     def write_outcome(self, outcome):
         """Puts another outcome in the place of the expected one."""
@@ -76,10 +81,6 @@ class GoldenCase:
         path = os.path.join(PROJECT, self.sections[name + "-file"].strip())
         with open(path, encoding="utf-8", newline="") as file:
             return file.read()
-
-
-def outcome_text(parts):
-    return "".join(f"{MARK}{name}\n{parts[name]}" for name in OUTCOME)
 
 
 def read_sections(path):

@@ -101,17 +101,33 @@ def dump_messages(messages):
             yield f"{INDENT}| {line}"
 
 
+def dump_facts(facts):
+    """A fact a line, then a note a line, then an item a line; a null stands as a dot."""
+    shown = {name: "." if fact is None else show_number(fact) if isinstance(fact, (int, float)) else quote(fact, "'")
+             for name, fact in facts.items() if name not in ("notes", "items")}
+    for name, fact in shown.items():
+        yield f"{name} {fact}"
+    for note in facts["notes"]:
+        yield f"note {quote(note['name'], chr(34))} {quote(note['text'], chr(34))}"
+    for item in facts["items"]:
+        line = f"item {quote(item['name'], chr(39))} {quote(item['label'] or '', chr(39))} {item['type']} {item['level']} {item['role']}"
+        if "position" in item:
+            line += f" {item['position']}"
+        yield line + "".join(f" {quote(member, chr(39))}" for member in item.get("members", []))
+
+
 def dump_report(text):
-    """Messages and report of a JSON report, each as a text of whole lines."""
+    """Messages, report and facts of a JSON report, each as a text of whole lines."""
     report = json.loads(text)
-    if set(report) != {"format", "messages", "procedures"} or report["format"] != "codebook-report/1":
+    if set(report) - {"facts"} != {"format", "messages", "procedures"} or report["format"] != "codebook-report/1":
         raise ValueError("the report is not of the format codebook-report/1")
     lines = []
     for procedure in report["procedures"]:
         lines.append(f"procedure {quote(procedure['title'], chr(39))}")
         for table in procedure["tables"]:
             lines += dump_table(table)
-    return as_text(dump_messages(report["messages"])), as_text(lines)
+    facts = dump_facts(report["facts"]) if "facts" in report else []
+    return as_text(dump_messages(report["messages"])), as_text(lines), as_text(facts)
 
 
 def as_text(lines):

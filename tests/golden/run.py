@@ -16,7 +16,7 @@ import sys
 import tempfile
 
 import datafiles
-from casefile import CaseError, find_cases, outcome_text
+from casefile import CaseError, find_cases
 from parquet import ParquetWriter
 from reportdump import as_text, dump_report
 
@@ -44,25 +44,27 @@ class Runner:
         return [kind for kind in wanted if kind in possible]
 
     def outcome(self, case, folder, data, threads, portions):
-        """What the program says to the case, in the notation of the case file."""
+        """What the program says to the case, in the notation of the case file, and the facts beside the report."""
         command = [self.program, data, "-F", "json", "-c", case.command(), "--threads", threads, *case.options()]
         chunk_rows, segment_bytes = portions
         if chunk_rows:
             command += ["--chunk-rows", chunk_rows, "--segment-bytes", segment_bytes]
         done = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, timeout=SECONDS_A_RUN, check=False)
         out, err = (normalised(text.decode("utf-8"), folder, data) for text in (done.stdout, done.stderr))
+        facts = ""
         if out:
-            messages, report = dump_report(out)
+            messages, report, facts = dump_report(out)
             said = sum(line.startswith(("codebook: error: ", "codebook: warning: ")) for line in err.splitlines())
             held = sum(line.startswith(("error ", "warning ")) for line in messages.splitlines())
             if said != held:
                 messages += f"but standard error tells {said} messages:\n{err}"
         else:
             messages, report = as_text("stderr: " + line for line in err.splitlines()), ""
-        return outcome_text({"status": f"{done.returncode}\n", "messages": messages, "report": report})
+        parts = {"status": f"{done.returncode}\n", "messages": messages, "report": report, "facts": facts}
+        return case.outcome_of(parts), facts
 
     def outcomes(self, case):
-        """Pairs of what was run and its outcome."""
+        """Of each run its name, its outcome and its facts."""
         rows = case.rows()
         for kind in self.kinds(case):
             with tempfile.TemporaryDirectory(prefix="golden.") as folder:
@@ -73,7 +75,7 @@ class Runner:
                         file.write(case.dictionary())
                 for threads, portions in self.settings:
                     name = f"{kind}, {threads} threads, chunks of {portions[0] or 'all'} rows"
-                    yield name, self.outcome(case, folder, data, threads, portions)
+                    yield name, *self.outcome(case, folder, data, threads, portions)
 
 
 def normalised(text, folder, data):
@@ -90,12 +92,20 @@ def difference(expected, got):
 def compare(runner, case, update):
     """The faults of a case as one text, empty when there is none; and whether its file was changed."""
     found = collections.OrderedDict()
-    for name, outcome in runner.outcomes(case):
+    first, others = None, []
+    for name, outcome, facts in runner.outcomes(case):
         if outcome != case.outcome():
             found.setdefault(outcome, []).append(name)
-    if not found:
+        first = first or (name, facts)
+        if facts != first[1]:
+            others.append((name, facts))
+    if not found and not others:
         return "", False
     text = f"{case.name}\n"
+    for name, facts in others[:1]:
+        text += f"  {name}: the facts are not those of {first[0]}:\n{difference(first[1], facts)}"
+    if not found:
+        return text, False
     for outcome, names in found.items():
         further = f" and {len(names) - 1} more" if len(names) > 1 else ""
         text += f"  {names[0]}{further}:\n{difference(case.outcome(), outcome)}"

@@ -18,9 +18,10 @@ text = "wrong" if "WRONG IN CHUNKS OF 3" in sys.argv and chunk == "3" else path
 row = {{"category": {{"text": "Cases", "fixed": True}}, "cells": [{{"column": None, "text": str(count), "number": count, "format": "F.0"}}]}}
 table = {{"title": {{"text": text, "fixed": False}}, "subtype": {{"text": "T", "fixed": True}}, "flag": False,
          "dimensions": [{{"label": {{"text": "Rows", "fixed": True}}, "place": "rows", "items": [row]}}]}}
+facts = {{"file": "f", "cases": 2 if "OTHER FACTS" in sys.argv and chunk == "3" else count, "notes": [{{"name": "N", "text": "t"}}], "items": []}}
 messages = [{{"severity": "warning", "source": "data", "text": "many\\nlines"}}]
 print("codebook: warning: many\\nlines", file=sys.stderr)
-print(json.dumps({{"format": "codebook-report/1", "messages": messages, "procedures": [{{"title": "P", "tables": [table]}}]}}))
+print(json.dumps({{"format": "codebook-report/1", "messages": messages, "procedures": [{{"title": "P", "tables": [table]}}], "facts": facts}}))
 """
 
 CASE = """--- about
@@ -85,6 +86,26 @@ class Runner(unittest.TestCase):
         self.assertEqual(done.returncode, 1)
         self.assertIn("chunks of 3 rows", done.stdout)
         self.assertNotIn("chunks of all rows", done.stdout)
+
+    def test_factsOfOneSettingThatAreOthersAreFound(self):
+        text = CASE.format(command="COUNT", count=3).replace("1,2\n", "1,2\n5,6\n").replace("'2'", "'3'")
+        self.write("facts", text)
+        self.assertEqual(self.run_cases().returncode, 0)
+        self.write("facts", text.replace("--- command", "--- options\nOTHER FACTS\n--- command"))
+        done = self.run_cases()
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("chunks of 3 rows: the facts are not those of", done.stdout)
+        self.assertIn("+cases 2\n", done.stdout)
+
+    def test_factsAreComparedWhereTheCaseHasThem(self):
+        text = CASE.format(command="COUNT", count=2) + "--- facts\nfile 'f'\ncases 2\nnote \"N\" \"t\"\n"
+        self.write("facts", text)
+        self.assertEqual(self.run_cases().returncode, 0)
+        path = self.write("facts", text.replace("cases 2", "cases 4"))
+        self.assertIn("-cases 4\n", self.run_cases().stdout)
+        self.run_cases("--update")
+        with open(path, encoding="utf-8") as file:
+            self.assertEqual(file.read(), text)
 
     def test_updateWritesWhatTheProgramSaysAndNothingElse(self):
         path = self.write("miscounts", CASE.format(command="COUNT", count=3))

@@ -120,7 +120,7 @@ class WrongReports(unittest.TestCase):
     def test_everyMemberThatIsLeftOutOrOfAnotherTypeIsFound(self):
         free = {"minDataColumnWidth", "facts"}  # may be left out
         tried = 0
-        for path in places(self.report):
+        for path in shapes(self.report):
             wrong = copy.deepcopy(self.report)
             holder, key = follow(wrong, path)
             holder[key] = {"planted": True}
@@ -129,10 +129,10 @@ class WrongReports(unittest.TestCase):
                 del holder[key]
                 self.assertNotEqual(faults(SCHEMA, wrong), [], f"{path} left out")
             tried += 1
-        self.assertGreater(tried, 300)
+        self.assertGreater(tried, 80)
 
     def test_memberThatThereIsNotIsFound(self):
-        for path in [(), *places(self.report)]:
+        for path in [(), *shapes(self.report)]:
             wrong = copy.deepcopy(self.report)
             place = wrong
             for step in path:
@@ -163,6 +163,16 @@ def places(document, path=()):
     for key, value in steps:
         yield (*path, key)
         yield from places(value, (*path, key))
+
+
+def shapes(document):
+    """Of the places that are alike but for their number in a list and have members of the same names, one."""
+    found = {}
+    for path in places(document):
+        holder, key = follow(document, path)
+        members = sorted(holder[key]) if isinstance(holder[key], dict) else type(holder[key]).__name__
+        found.setdefault((*("*" if isinstance(step, int) else step for step in path), str(members)), path)
+    return list(found.values())
 
 
 def follow(document, path):
