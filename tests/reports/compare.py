@@ -18,6 +18,8 @@ PLANTED_CASES = 5  # for each kind of change
 def status_differences(outputs, format_):
     if outputs.status(format_) != outputs.status("json"):
         yield f"the exit status is {outputs.status(format_)}, with -F json {outputs.status('json')}"
+    elif outputs.status(format_) < 0:
+        yield f"the program was ended by signal {-outputs.status(format_)}"
 
 
 def check(reader, format_, outputs):

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "runtime/output/language/catalog.h"
 #include "runtime/output/model/grid.h"
 #include "runtime/output/render/csvtext.h"
 #include "runtime/output/render/renderer.h"
@@ -164,6 +165,33 @@ row,Codebook,1,s,t,t,1,,a,,,,,7.5%,7.5,outer > Range
 row,Codebook,1,s,t,t,1,,a,,,,,none,,Count
 row,Codebook,1,s,t,t,1,,a,,,,,'=1,,Percent
 )");
+}
+
+// The words that name the columns are those of the report's language; the header is not.
+TEST_F(CsvReport, hasCountsAndPercentsInTheirColumnsInEveryLanguage) {
+  const auto german = runtime::output::Catalog::Of("de");
+  ASSERT_NE(german, nullptr);
+  BpPivotTable table = procedure->PivotTable(Data("t"), Data("s"), false);
+  BpDimension rows = table.Dimension(Fixed("r"), BpPivotTable::kCreationOrder);
+  BpDimension columns = table.Dimension(Fixed("c"), BpPivotTable::kCreationOrder);
+  columns.Position(BpDimension::kColumns, 1, true, false);
+  binding.catalog = german.get();
+  BpCategory value = columns.Category(Fixed("Value"));
+  BpCategory count = columns.Category(Fixed("Count"));
+  BpCategory percent = columns.Category(Fixed("Percent"));
+  rows.Category(Data("a"));
+  value.Cell(Data("b"));
+  count.Cell(BpNumber(3, BpProcedure::Count()));
+  percent.Cell(BpNumber(7.5, BpProcedure::Percent()));
+  runtime::output::RenderOptions options;
+  options.catalog = german.get();
+  std::ostringstream out;
+  runtime::output::FindReportFormat("csv")->newRenderer(options)->Render(report, out);
+  const auto records = Parsed(out.str());
+  ASSERT_EQ(records.size(), 2U);
+  EXPECT_EQ(records[0][11], "count");
+  EXPECT_EQ(records[1], (std::vector<std::string>{"row", "Codebook", "1", "s", "t", "t", "1", "", "a", "", "", "3",
+                                                  "7.5", "b", "", ""}));
 }
 
 TEST_F(CsvReport, hasALineForATableWithoutRows) {
