@@ -35,12 +35,12 @@ def rows_of(table):
 
 class Published(ProgramTest):
     def codebook(self, package, *more, command=ALL):
-        """The tables by their titles, and what was said."""
+        """The tables by their titles, and what reading had to say."""
         result = self.run_program(package, "-F", "json", "-c", command, *more)
         self.assert_status(result, 0)
         report = json.loads(result.out)
         tables = {table["title"]["text"]: rows_of(table) for table in report["procedures"][0]["tables"]}
-        return tables, [message["text"] for message in report["messages"]]
+        return tables, [message["text"] for message in report["messages"] if message["source"] == "data"]
 
 
 class Camtrap(Published):
@@ -59,8 +59,9 @@ class Camtrap(Published):
                                                 "understandable from an AI point of view. `unknown` describes "
                                                 "classifications with a `classificationProbability` below some predefined "
                                                 "threshold i.e. neither humans nor AI can say what was recorded."]])
-        self.assertEqual(tables["count"]["Measurement"], [["Scale"]])
-        self.assertEqual(tables["count"]["Valid"], [["399"]])
+        self.assertEqual(tables["eventStart"]["Measurement"], [["Scale"]])
+        self.assertEqual(tables["eventStart"]["Valid"], [["549"]])
+        self.assertIn(["280", "51.0%"], tables["count"]["1"])
         self.assertEqual(tables["eventStart"]["Format"], [["YMDHMS19"]])
 
     def test_severalResourcesAreListed(self):
@@ -73,9 +74,7 @@ class Camtrap(Published):
         for resource, cases, variables in (("deployments", 4, 24), ("media", 423, 11), ("observations", 549, 28)):
             tables, messages = self.codebook(self.PACKAGE, "--resource", resource)
             self.assertEqual(len(messages), 1, messages)
-            self.assertEqual(tables["File Information"]["Number of Cases in the Data File"] if
-                             "Number of Cases in the Data File" in tables["File Information"] else
-                             [[str(cases)]], [[str(cases)]])
+            self.assertEqual(tables["File Information"]["Unweighted"], [[str(cases)]])
             self.assertEqual(len(tables), variables + 1)
 
     def test_inlineData(self):
@@ -137,10 +136,10 @@ class TwoVersions(Published):
         one, two = self.both("observations")
         self.assertEqual(list(one[0]), list(two[0]))
         for name, rows in one[0].items():
-            for row in ("Measurement", "Type", "Format", "Valid", "Role"):
+            for row in ("Measurement", "Type", "Valid", "Role"):  # labels of three bytes make the format wider
                 self.assertEqual(rows.get(row), two[0][name].get(row), (name, row))
         self.assertEqual(one[0]["life_stage"]["Measurement"], [["Nominal"]])
-        self.assertEqual(one[0]["count"]["Valid"], [["8"]])
+        self.assertEqual(one[0]["count"], two[0]["count"])
 
 
 class Parsing(Published):
@@ -184,7 +183,7 @@ class Parsing(Published):
 
     def test_everyTypeOfTheStandard(self):
         package = os.path.join(PACKAGES, "parsing", "types.json")
-        means = "CODEBOOK ALL /VARINFO FORMAT TYPE /STATISTICS MEAN."
+        means = "CODEBOOK ALL [S] /VARINFO FORMAT TYPE /STATISTICS MEAN."
         tables, messages = self.codebook(package, "--resource", "number", command=means)
         self.assertEqual(tables["num"]["Mean"], [["3.000"]])
         self.assertEqual(tables["num_notbare"]["Mean"], [["3.100"]])
@@ -211,8 +210,8 @@ class Parsing(Published):
     def test_decimalAndGroupingMarks(self):
         package = os.path.join(PACKAGES, "parsing", "mark.json")
         for resource in ("mark_default", "mark_decimal", "mark_decimal_group"):
-            tables, _ = self.codebook(package, "--resource", resource, command="CODEBOOK num /VARINFO FORMAT /STATISTICS MEAN.")
-            self.assertEqual(tables["num"]["Mean"], [["3000000.300"]], resource)
+            tables, _ = self.codebook(package, "--resource", resource, command="CODEBOOK num [S] /VARINFO FORMAT /STATISTICS MEAN.")
+            self.assertEqual(tables["num"]["Mean"], [["3000000.3000"]], resource)
 
 
 class Damaged(Published):
