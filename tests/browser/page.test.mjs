@@ -314,6 +314,20 @@ for (const [name, options] of [
     await closeClean(page);
   });
 
+test('the page speaks the language of the report', async () => {
+  const german = reportOf('german', join(PROJECT, 'examples/quickstart/library.csv'), '--lang', 'de');
+  const page = await openPage(browser, german.page);
+  assert.equal(await page.evaluate(() => document.documentElement.lang), 'de');
+  const text = await page.locator('body').innerText();
+  for (const word of ['Variablen', 'Wie die Zahlen zustande kommen']) assert.match(text, new RegExp(word, 'iu'));
+  for (const word of ['Variables', 'Weighted cases', 'Copy as CSV', 'missing', 'Nominal scale']) assert.ok(!text.includes(word), word);
+  // Missing values are known by their word in the report's language.
+  await drawAll(page);
+  assert.ok((await page.locator('.bar rect.missing').count()) > 0);
+  await picture(page, 'german');
+  await closeClean(page);
+});
+
 test('without JavaScript the page says what to do', async () => {
   const page = await openPage(browser, demo.page, { javaScriptEnabled: false });
   assert.match(await page.locator('body').innerText(), /JavaScript/u);
