@@ -1,6 +1,5 @@
 #include "runtime/data/source/tablesource.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -9,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "runtime/data/lowerascii.h"
 #include "runtime/data/open.h"
 #ifdef CODEBOOK_HAVE_DUCKDB
 #include "runtime/data/source/duckdbtable.h"
@@ -35,10 +35,7 @@ TableStream::~TableStream() = default;
 TableSource::~TableSource() = default;
 
 std::string LowerEnding(const std::string& path) {
-  std::string ending = std::filesystem::path(path).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
-                 [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 32) : byte; });
-  return ending;
+  return LowerAscii(std::filesystem::path(path).extension().string());
 }
 
 bool IsTableFile(const std::string& path) {

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include "runtime/data/dictionary/ddi/ddivariable.h"
+#include "runtime/data/lowerascii.h"
 #include "runtime/data/typing/quotedcell.h"
 
 namespace runtime::data {
@@ -17,9 +19,7 @@ std::string Stem(const std::string& path) {
   std::string name = path.substr(path.find_last_of("/\\") + 1);
   const std::size_t period = name.rfind('.');
   if (period != std::string::npos && period > 0 && name.size() - period <= 8) name.resize(period);
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 32) : byte; });
-  return name;
+  return LowerAscii(std::move(name));
 }
 
 std::vector<std::string> FileReferencesOf(pugi::xml_node variable) {

@@ -1,10 +1,8 @@
 #include "runtime/data/dictionary/ddi/ddiformat.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "runtime/data/dictionary/ddi/xmldocument.h"
 #include "runtime/data/dictionary/formattext.h"
+#include "runtime/data/lowerascii.h"
 #include "runtime/data/typing/numbertext.h"
 
 namespace runtime::data {
@@ -12,12 +10,6 @@ namespace {
 
 constexpr int kWidestNumber = 40;
 constexpr int kMostDecimals = 16;
-
-std::string Lower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 32) : byte; });
-  return text;
-}
 
 /// yyyy, mm and dd once each, with one of . / - between them; empty for anything else.
 std::string DatePattern(const std::string& name) {
@@ -67,9 +59,9 @@ DdiFormat ReadDdiFormat(pugi::xml_node variable, pugi::xml_node varFormat) {
   if (!varFormat) return read;
   std::string name = AttributeOf(varFormat, "formatname");
   if (name.empty()) name = LineOf(varFormat);
-  const std::string type = Lower(AttributeOf(varFormat, "type"));
-  const std::string category = Lower(AttributeOf(varFormat, "category"));
-  read.datePattern = DatePattern(Lower(name));
+  const std::string type = LowerAscii(AttributeOf(varFormat, "type"));
+  const std::string category = LowerAscii(AttributeOf(varFormat, "category"));
+  read.datePattern = DatePattern(LowerAscii(name));
   if (!read.datePattern.empty()) {
     read.type = FieldType::Date;
     return read;

@@ -8,24 +8,19 @@
 
 #include <fmt/format.h>
 
+#include "runtime/data/lowerascii.h"
 #include "runtime/data/typing/numbertext.h"
 #include "runtime/data/typing/quotedcell.h"
 
 namespace runtime::data {
 namespace {
 
-std::string Lower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 32) : byte; });
-  return text;
-}
-
 /// Labels of the category that counts, in the languages of the archives that we know.
 bool MeansYes(const std::string& label) {
   static const std::set<std::string> kWords = {"yes",     "y",       "ja",         "oui",  "si",       "sí",
                                                "sim",     "да",      "是",         "true", "selected", "mentioned",
                                                "checked", "genannt", "ausgewählt", "cité", "tak",      "ano"};
-  return kWords.count(Lower(label)) > 0;
+  return kWords.count(LowerAscii(label)) > 0;
 }
 
 /// The code of a category as numbers are compared, texts as they are.

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "runtime/data/dictionary/jsonfile.h"
+#include "runtime/data/lowerascii.h"
 #include "runtime/data/typing/numbertext.h"
 
 namespace runtime::data {
@@ -154,7 +155,7 @@ std::vector<LabelledValue> ReadRedcapChoices(const std::string& text) {
 std::string CheckboxColumn(const std::string& name, const std::string& code) {
   std::string column = name + "___";
   for (const char byte : code) {
-    const char lower = byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 32) : byte;
+    const char lower = LowerAscii(byte);
     column += (lower >= 'a' && lower <= 'z') || (lower >= '0' && lower <= '9') ? lower : '_';
   }
   return column;

@@ -9,6 +9,7 @@
 #include "runtime/data/csv/csvdialect.h"
 #include "runtime/data/csv/inputtext.h"
 #include "runtime/data/csv/recordscanner.h"
+#include "runtime/data/lowerascii.h"
 
 namespace runtime::data {
 namespace {
@@ -43,7 +44,7 @@ constexpr HeaderWord kHeaderWords[] = {{"variablefieldname", RedcapColumn::Name}
 std::string LettersOf(std::string_view header) {
   std::string letters;
   for (const char byte : header) {
-    const char lower = byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 32) : byte;
+    const char lower = LowerAscii(byte);
     if ((lower >= 'a' && lower <= 'z') || (lower >= '0' && lower <= '9')) letters += lower;
   }
   return letters;
