@@ -19,9 +19,9 @@ std::string FolderOfTemporaryFiles() {
 }
 
 [[noreturn]] void Fail(const char* what, int error) {
-  throw SpillError(
-      fmt::format("{}: the temporary file {}: {}; set TMPDIR to a folder with room, or raise --memory-limit",
-                  FolderOfTemporaryFiles(), what, std::strerror(error)));
+  throw SpillError(fmt::format(
+      "{}: the temporary file {}: {}; set TMPDIR to a folder with room, or raise --memory-limit if it is set",
+      FolderOfTemporaryFiles(), what, std::strerror(error)));
 }
 
 }  // namespace

@@ -73,11 +73,8 @@ void TableSheet::WriteHead(const Table& table, const Grid& grid) {
 
 void TableSheet::WriteRow(const Grid& grid, const GridLine& row, const GridLine* before) {
   std::vector<std::vector<SheetCell>> lines(1);
-  bool shared = before != nullptr;
-  for (std::size_t depth = 0; depth < row.groups.size(); ++depth) {
-    shared = shared && depth < before->groups.size() && before->groups[depth] == row.groups[depth];
-    if (!shared) PutAt(lines[0], depth, SheetCell::Of(*row.groups[depth]->label, CellLook::Face::Strong));
-  }
+  for (std::size_t depth = SharedGroups(before, row); depth < row.groups.size(); ++depth)
+    PutAt(lines[0], depth, SheetCell::Of(*row.groups[depth]->label, CellLook::Face::Strong));
   PutAt(lines[0], fLabelColumn, SheetCell::Of(*row.category->label));
 
   std::size_t numbers = fLabelColumn + 1 + grid.columns().size();
