@@ -96,6 +96,29 @@ class Options(ProgramTest):
             self.assertEqual(result.out, b"")
             self.assertEqual(json.loads(self.read("report.json"))["format"], "codebook-report/1")
 
+    def test_jsonLinesAreALineATable(self):
+        for arguments in (("-F", "jsonl"), ("-o", "report.jsonl")):
+            result = self.run_program("data.csv", "-c", LITTLE, *arguments)
+            self.assert_done(result)
+            lines = (result.out or self.read("report.jsonl")).decode().splitlines()
+            self.assertEqual([json.loads(line)["kind"] for line in lines], ["report", "procedure", "table", "table"])
+
+    def test_schemaIsPrintedForItsWordAndAFileOfThatNameStaysInReach(self):
+        self.write("schema", DATA)
+        result = self.run_program("schema")
+        self.assert_done(result)
+        self.assertEqual(json.loads(result.out)["$schema"], "https://json-schema.org/draft/2020-12/schema")
+        self.assertEqual(self.tables("./schema"), ["File Information", "a", "b"])
+        self.assert_refused(self.run_program("schema", "-F", "json"), 2, "codebook schema", "./schema")
+
+    def test_factsStandBesideTheTables(self):
+        facts = self.report("data.csv", "-c", "CODEBOOK b.")["facts"]
+        self.assertEqual((facts["file"], facts["cases"], facts["variables"], facts["weightedCases"]), ("data.csv", 3, 2, 3))
+        self.assertEqual([item["name"] for item in facts["items"]], ["b"])
+        self.assertIn({"name": "Weight", "text": "The cases are not weighted: each counts as 1."}, facts["notes"])
+        self.assertIsNone(self.report("data.csv", "-c", LITTLE)["facts"]["weightedCases"])
+        self.assertIsNone(self.report("-", stdin=DATA.encode())["facts"]["file"])
+
     def test_formatGoesBeforeTheEndingOfTheOutput(self):
         self.assert_done(self.run_program("data.csv", "-c", LITTLE, "-o", "report.json", "-F", "text"))
         self.assertTrue(self.read("report.json").startswith(b"a\n"))
@@ -183,7 +206,7 @@ class Options(ProgramTest):
         result = self.run_program("--help")
         self.assert_done(result)
         for word in ("-d,--dictionary", "--resource", "-c,--command", "-f,--file", "-F,--format", "-o,--output", "--weight", "--strict",
-                     "--threads", "--width", "--memory-limit", "-q,--quiet", "--timing", "--version", "codebook [OPTIONS] DATA", "130 interrupted", "CODEBOOK /FILEINFO NAME LOCATION"):
+                     "--threads", "--width", "--memory-limit", "-q,--quiet", "--timing", "--lang", "--no-pager", "--version", "codebook [OPTIONS] DATA", "130 interrupted", "CODEBOOK /FILEINFO NAME LOCATION"):
             self.assertIn(word, result.out.decode())
 
     def test_versionIsNameAndNumber(self):
