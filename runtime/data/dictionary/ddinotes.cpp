@@ -16,16 +16,21 @@ namespace {
 constexpr std::string_view kOfCodebook = "codebook.";
 constexpr std::string_view kOfDdi = "ddi:";
 
-/// The descriptor with every property where it belongs, and every field with its missing values.
+/// The descriptor with every property where it belongs, every field with its missing values, and the resource without
+/// what was made up for it.
 Json WholeJson(const TableDescriptor& table) {
-  Json package = PackageJson(table);
-  Json& resource = package["resources"][0];
+  Json package = PackageJson(table, "data.csv");
   if (table.hasSchema) {
     Json fields = Json::array();
     for (const FieldDescriptor& field : table.fields) fields.push_back(FieldJson(field, nullptr));
-    resource["schema"]["fields"] = std::move(fields);
+    package["resources"][0]["schema"]["fields"] = std::move(fields);
   }
   RestoreKeptProperties(package);
+  for (const char* made : {"name", "path"}) {
+    const auto isSaid = [made](const ExtraProperty& extra) { return extra.name == made; };
+    if (std::none_of(table.resourceExtras.begin(), table.resourceExtras.end(), isSaid))
+      package["resources"][0].erase(made);
+  }
   return package;
 }
 
@@ -110,16 +115,17 @@ bool DdiNotes::empty() const {
 void ApplyDdiNotes(const DdiNotes& notes, TableDescriptor& table) {
   if (notes.empty()) return;
   Json whole = WholeJson(table);
-  Json& resource = whole["resources"][0];
-  Json& schema = table.hasSchema ? resource["schema"] : resource;
-  Remove(notes.generated, schema);
-  Apply(notes.package, whole);
-  Apply(notes.resource, resource);
-  Apply(notes.table, schema);
+  // From the inside out: an object that gets a property moves what is in it.
+  const auto resource = [&]() -> Json& { return whole["resources"][0]; };
+  const auto schema = [&]() -> Json& { return table.hasSchema ? resource()["schema"] : resource(); };
   for (std::size_t i = 0; i < notes.fields.size() && i < table.fields.size(); ++i) {
-    Remove(notes.generatedInFields, schema["fields"][i]);
-    Apply(notes.fields[i], schema["fields"][i]);
+    Remove(notes.generatedInFields, schema()["fields"][i]);
+    Apply(notes.fields[i], schema()["fields"][i]);
   }
+  Remove(notes.generated, schema());
+  Apply(notes.table, schema());
+  Apply(notes.resource, resource());
+  Apply(notes.package, whole);
   std::vector<Note> ignored;  // they were told when the properties were read first
   TableDescriptor read = ReadPackage({whole, table.origin}, {table.origin, std::nullopt, "-", std::nullopt}, ignored);
   read.dataPaths = std::move(table.dataPaths);

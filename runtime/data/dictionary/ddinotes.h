@@ -12,9 +12,12 @@ namespace runtime::data {
 /// The notes of a table, a resource, a package or a field. Each is `<notes type="codebook"
 /// subject="NAME">JSON</notes>`, `level` being absent for those of a table or field, "resource" or "package" for the
 /// others; a table's stand below `stdyDscr`, a field's below its `var`.
+inline constexpr const char* kManyProperties = "*";  // the subject of that one
+
 struct DdiNoteList {
   /// By subject: a property of the field, schema, resource or package as Table Schema and Data Package write it, null
-  /// where there is none. One of the property `codebook` is called "codebook.NAME", an element of DDI "ddi:PATH".
+  /// where there is none. One of the property `codebook` is called "codebook.NAME", an element of DDI "ddi:PATH". Those
+  /// whose names an attribute of XML cannot hold stand together in one note, as the members of an object.
   Json properties = Json::object();
 };
 

@@ -210,6 +210,7 @@ class DdiBuilder {
     AddFormat(field, variable);
     PlaceTexts(field.attributes, kDdiVariableTexts, variable);
     PlaceDdiExtras(field.extras, variable);
+    variable.SetAttribute("ID", fIds[index]);  // two fields may have had the same
   }
 
   void SetWeight(std::size_t index, XmlElement& variable) {

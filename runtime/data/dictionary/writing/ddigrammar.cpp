@@ -188,8 +188,17 @@ bool Prune(XmlElement& element) {
   });
 }
 
+/// What refers to an ID means the variable of that ID rather than anything else.
+void TakeVariableIds(const XmlElement& element, std::set<std::string>& ids) {
+  const std::string* id = element.name == "var" ? element.Attribute("ID") : nullptr;
+  if (id) ids.insert(*id);
+  for (const auto& child : element.children) TakeVariableIds(*child, ids);
+}
+
+/// REQUIRES: no two variables have the same.
 void DropRepeatedIds(XmlElement& element, std::set<std::string>& ids) {
-  if (const std::string* id = element.Attribute("ID"); id && !ids.insert(*id).second) element.RemoveAttribute("ID");
+  const std::string* id = element.name == "var" ? nullptr : element.Attribute("ID");
+  if (id && !ids.insert(*id).second) element.RemoveAttribute("ID");
   for (const auto& child : element.children) DropRepeatedIds(*child, ids);
 }
 
@@ -222,6 +231,7 @@ bool DdiAllowsChild(std::string_view parent, std::string_view child) {
 void MakeValidDdi(XmlElement& codeBook) {
   Prune(codeBook);
   std::set<std::string> ids;
+  TakeVariableIds(codeBook, ids);
   DropRepeatedIds(codeBook, ids);
   DropBrokenReferences(codeBook, ids);
 }

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "runtime/data/dictionary/formattext.h"
+#include "runtime/data/dictionary/keptproperties.h"
 #include "runtime/data/dictionary/packagefacts.h"
 #include "runtime/data/dictionary/tableschema.h"
 #include "runtime/data/dictionary/writing/profile.h"
@@ -60,7 +61,8 @@ class Properties {
     const auto take = [&](const std::string& name) {
       const auto found = fOwn.find(name);
       if (found == fOwn.end()) return;
-      (allows(name, *found) ? object : kept)[name] = std::move(*found);
+      Json& place = allows(name, *found) ? object : kept;
+      place[name] = std::move(*found);
       fOwn.erase(found);
     };
     for (const std::string_view name : order) take(std::string(name));
@@ -220,7 +222,8 @@ void SetFacts(const TableDescriptor& table, std::size_t attributes, Json& codebo
 }
 
 /// All but those at the end that the properties of the package give by themselves.
-std::size_t AttributesToWrite(const TableDescriptor& table, const Json& package) {
+std::size_t AttributesToWrite(const TableDescriptor& table, Json package) {
+  RestoreKeptProperties(package);
   DatasourceAttributes given;
   AddPackageAttributes({package, table.origin}, given);
   const std::size_t count = table.attributes.Size();
@@ -333,7 +336,7 @@ Json SchemaJson(const TableDescriptor& table) {
   return OrderedSchema(properties);
 }
 
-Json PackageJson(const TableDescriptor& table) {
+Json PackageJson(const TableDescriptor& table, const std::string& data) {
   Properties package;
   package.Set("$schema", kDataPackageProfile);
   package.Add(table.packageExtras);
@@ -342,7 +345,7 @@ Json PackageJson(const TableDescriptor& table) {
                                  ProfileAllowsInPackage);
 
   Properties resource;
-  resource.Set("name", "data");
+  resource.Set("name", std::filesystem::path(data).stem().string());
   resource.Set("type", "table");
   Json facts = Json::object();
   SetTexts(table, true, resource, facts);
@@ -361,10 +364,13 @@ Json PackageJson(const TableDescriptor& table) {
     resource.Add(table.extras);
   }
   resource.Add(table.resourceExtras);
-  ordered["resources"] = Json::array(
-      {resource.Ordered({"$schema", "name", "type", "path", "data", "title", "description", "homepage", "sources",
-                         "licenses", "format", "mediatype", "encoding", "bytes", "hash", "dialect", "schema"},
-                        ProfileAllowsInResource)});
+  Json written =
+      resource.Ordered({"$schema", "name", "type", "path", "data", "title", "description", "homepage", "sources",
+                        "licenses", "format", "mediatype", "encoding", "bytes", "hash", "dialect", "schema"},
+                       ProfileAllowsInResource);
+  // The profile wants one of the two, and allows no other path than those below the folder.
+  if (!written.contains("path") && !written.contains("data")) written["path"] = data;
+  ordered["resources"] = Json::array({std::move(written)});
   return ordered;
 }
 

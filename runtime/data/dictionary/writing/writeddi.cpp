@@ -37,8 +37,14 @@ void AddNote(const std::string& subject, const Json& value, const char* level, X
 }
 
 void AddNotes(const DdiNoteList& notes, const char* level, XmlElement& element) {
-  for (auto note = notes.properties.begin(); note != notes.properties.end(); ++note)
-    AddNote(note.key(), note.value(), level, element);
+  Json others = Json::object();
+  for (auto note = notes.properties.begin(); note != notes.properties.end(); ++note) {
+    if (XmlCharacters(note.key()) == note.key())
+      AddNote(note.key(), note.value(), level, element);
+    else
+      others[note.key()] = note.value();
+  }
+  if (!others.empty()) AddNote(kManyProperties, others, level, element);
 }
 
 void AddNotes(const DdiNotes& notes, XmlElement& codeBook) {

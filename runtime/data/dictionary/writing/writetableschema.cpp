@@ -13,6 +13,8 @@ void WriteJson(const Json& json, std::ostream& out) {
 
 void WriteTableSchema(const TableDescriptor& table, std::ostream& out) { WriteJson(SchemaJson(table), out); }
 
-void WriteDataPackage(const TableDescriptor& table, std::ostream& out) { WriteJson(PackageJson(table), out); }
+void WriteDataPackage(const TableDescriptor& table, const std::string& data, std::ostream& out) {
+  WriteJson(PackageJson(table, data), out);
+}
 
 }  // namespace runtime::data

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ostream>
+#include <string>
 
 #include "runtime/data/dictionary/descriptor.h"
 
@@ -12,7 +13,8 @@ namespace runtime::data {
 /// no place in it.
 void WriteTableSchema(const TableDescriptor& table, std::ostream& out);
 
-/// A Data Package of one resource, valid likewise; everything that a descriptor can say.
-void WriteDataPackage(const TableDescriptor& table, std::ostream& out);
+/// A Data Package of one resource, valid likewise; everything that a descriptor can say. `data` is the path of the data
+/// below the package's folder, for a descriptor that gives none.
+void WriteDataPackage(const TableDescriptor& table, const std::string& data, std::ostream& out);
 
 }  // namespace runtime::data

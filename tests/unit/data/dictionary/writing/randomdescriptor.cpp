@@ -248,7 +248,7 @@ void RandomDescriptor::AddPackage(TableDescriptor& table) {
     table.resourceExtras.push_back({"path", Chance(70) ? R"("data/survey.csv")" : R"(["a.csv", "../b.csv"])"});
   if (Chance(20)) table.resourceExtras.push_back({"bytes", NumberWord()});
   if (Chance(20)) table.resourceExtras.push_back({"x-" + Text(), JsonValue()});
-  if (Chance(20)) table.packageExtras.push_back({"title", Json(Text()).dump()});
+  if (table.label && Chance(20)) table.packageExtras.push_back({"title", Json(FilledText()).dump()});
   if (Chance(30)) table.packageExtras.push_back({"name", Json(Text()).dump()});
   if (Chance(30))
     table.packageExtras.push_back({"licenses", Chance(50) ? R"([{"name": "CC0-1.0"}])" : R"([{"title": "free"}])"});
