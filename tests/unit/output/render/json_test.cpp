@@ -1,5 +1,6 @@
 #include <bit>
 #include <cmath>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
@@ -9,6 +10,7 @@
 #include <unicode/unistr.h>
 
 #include "runtime/output/format/kinds.h"
+#include "runtime/output/render/jsonreport.h"
 #include "runtime/output/render/jsontext.h"
 #include "runtime/output/render/renderer.h"
 #include "tests/unit/output/randomreport.h"
@@ -155,6 +157,133 @@ TEST(JsonReport, readsBackAsTheModel) {
 
 TEST(JsonReport, ofNothingIsWhole) {
   EXPECT_EQ(Rendered({}), "{\"format\": \"codebook-report/1\",\n\"messages\": [],\n\"procedures\": []}\n");
+}
+
+namespace {
+
+using runtime::output::JsonOptions;
+using runtime::output::JsonReportWriter;
+
+Report WithFacts() {
+  Report report = RandomReport(3).Report();
+  report.language = "de";
+  runtime::output::ReportFacts& facts = report.facts.emplace();
+  facts.file = "a<b.csv";
+  facts.cases = 12;
+  facts.weight = "w";
+  facts.weightedCases = 0.1;
+  facts.variables = 9;
+  facts.notes.push_back({"Name", "First ^2, then ^1", {"<x>", "y"}});
+  facts.items.resize(2);
+  facts.items[0].name = "v";
+  facts.items[0].label = "</script>";
+  facts.items[0].type = runtime::output::ItemFacts::Type::Date;
+  facts.items[0].level = runtime::output::ItemFacts::Level::Ordinal;
+  facts.items[0].role = runtime::output::ItemFacts::Role::Split;
+  facts.items[0].position = 4;
+  facts.items[1].name = "$s";
+  facts.items[1].type = runtime::output::ItemFacts::Type::CategorySet;
+  facts.items[1].items = {"v", "w"};
+  if (report.procedures.empty()) report.procedures.push_back(std::make_shared<runtime::output::Procedure>());
+  report.procedures[0]->sketches = {{"v", 3, 1, 2.5, {1, 2, 3}, {{0, 1, 0.5}, {1, 2, 1.5}}},
+                                    {"$s", 3, 0, std::numeric_limits<double>::quiet_NaN(), {}, {}}};
+  return report;
+}
+
+std::string Written(const Report& report, const JsonOptions& options) {
+  std::ostringstream out;
+  JsonReportWriter(out, options).WriteReport(report);
+  return out.str();
+}
+
+ordered_json WithoutSketches(ordered_json json) {
+  for (auto& procedure : json["procedures"]) procedure.erase("sketches");
+  return json;
+}
+
+}  // namespace
+
+TEST(JsonReport, tellsTheFactsBehindTheProcedures) {
+  const ordered_json json = ordered_json::parse(Rendered(WithFacts()));
+  EXPECT_EQ(json.back(), ordered_json::parse(R"({"file": "a<b.csv", "label": null, "language": "de", "cases": 12,
+    "weight": "w", "weightLabel": null, "weightedCases": 0.1, "variables": 9,
+    "notes": [{"name": "Name", "text": "First y, then <x>"}],
+    "items": [{"name": "v", "label": "</script>", "type": "date", "level": "ordinal", "role": "split", "position": 4},
+              {"name": "$s", "label": null, "type": "categorySet", "level": "unknown", "role": "input",
+               "members": ["v", "w"]}]})"));
+  EXPECT_EQ((--json.end()).key(), "facts");
+}
+
+TEST(JsonReport, factsThatAreNotKnownAreNull) {
+  Report report;
+  report.facts.emplace();
+  const ordered_json facts = ordered_json::parse(Rendered(report))["facts"];
+  for (const char* name : {"file", "label", "cases", "weight", "weightLabel", "weightedCases"})
+    EXPECT_TRUE(facts[name].is_null()) << name;
+}
+
+TEST(JsonReport, compactSaysTheSameWithoutBlanks) {
+  const Report report = WithFacts();
+  JsonOptions options;
+  options.layout = JsonOptions::Layout::Compact;
+  const std::string compact = Written(report, options);
+  EXPECT_EQ(ordered_json::parse(compact), ordered_json::parse(Rendered(report)));
+  EXPECT_EQ(compact.find('\n'), std::string::npos);
+  EXPECT_EQ(compact.find("\": "), std::string::npos);
+}
+
+TEST(JsonReport, insideHtmlNoTextEndsTheElement) {
+  const Report report = WithFacts();
+  JsonOptions options;
+  options.insideHtml = true;
+  const std::string json = Written(report, options);
+  EXPECT_EQ(json.find('<'), std::string::npos);
+  EXPECT_EQ(ordered_json::parse(json), ordered_json::parse(Rendered(report)));
+}
+
+TEST(JsonReport, sketchesStandInTheirProcedureWhereTheyAreWanted) {
+  const Report report = WithFacts();
+  JsonOptions options;
+  options.sketches = true;
+  const ordered_json json = ordered_json::parse(Written(report, options));
+  EXPECT_EQ(json["procedures"][0]["sketches"],
+            ordered_json::parse(R"([{"item": "v", "total": 3, "missing": 1, "mean": 2.5, "quartiles": [1, 2, 3],
+              "edges": [0, 1, 2], "weights": [0.5, 1.5]}, {"item": "$s", "total": 3, "missing": 0}])"));
+  EXPECT_EQ(WithoutSketches(json), ordered_json::parse(Rendered(report)));
+}
+
+TEST(JsonLines, sayWhatTheReportSays) {
+  for (std::uint64_t seed = 0; seed < 200; ++seed) {
+    Report report = RandomReport(seed).Report();
+    if (seed % 2 == 0) report.facts = WithFacts().facts;
+    const ordered_json expected = ordered_json::parse(Rendered(report));
+    std::ostringstream out;
+    runtime::output::FindReportFormat("jsonl")->newRenderer({})->Render(report, out);
+    std::istringstream lines(out.str());
+    std::string line;
+    ASSERT_TRUE(std::getline(lines, line));
+    const ordered_json first = ordered_json::parse(line);
+    EXPECT_EQ(first["kind"], "report");
+    EXPECT_EQ(first["format"], expected["format"]);
+    EXPECT_EQ(first.contains("facts"), expected.contains("facts"));
+    ordered_json messages = ordered_json::array();
+    ordered_json procedures = ordered_json::array();
+    while (std::getline(lines, line)) {
+      const ordered_json said = ordered_json::parse(line);
+      if (said["kind"] == "message") {
+        messages.push_back(said["message"]);
+      } else if (said["kind"] == "procedure") {
+        procedures.push_back({{"title", said["title"]}, {"tables", ordered_json::array()}});
+      } else {
+        EXPECT_EQ(said["procedure"], procedures.size());
+        EXPECT_EQ(said["title"], procedures.back()["title"]);
+        procedures.back()["tables"].push_back(said["table"]);
+        EXPECT_EQ(said["index"], procedures.back()["tables"].size());
+      }
+    }
+    ASSERT_EQ(messages, expected["messages"]);
+    ASSERT_EQ(procedures, expected["procedures"]);
+  }
 }
 
 TEST(JsonText, escapesWhatATerminalWouldObey) {
