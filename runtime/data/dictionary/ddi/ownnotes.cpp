@@ -25,6 +25,16 @@ std::optional<Json> ValueOf(pugi::xml_node note, const XmlDocument& document, Re
 
 bool IsOwnNote(pugi::xml_node node) { return node.type() == pugi::node_element && IsCodebookNote(node); }
 
+/// Names that an attribute cannot hold stand in an object of the subject "*".
+void Put(const std::string& subject, const Json& value, DdiNoteList& notes) {
+  if (subject != kManyProperties || !value.is_object()) {
+    notes.properties[subject] = value;
+    return;
+  }
+  for (auto property = value.begin(); property != value.end(); ++property)
+    notes.properties[property.key()] = property.value();
+}
+
 void AppendTexts(const Json& value, std::vector<std::string>& texts) {
   if (!value.is_array()) return;
   for (const Json& entry : value)
@@ -45,10 +55,7 @@ void ReadNotesOfStudy(pugi::xml_node study, const XmlDocument& document, DdiNote
     else if (subject == "generatedInVariables")
       AppendTexts(*value, notes.generatedInFields);
     else
-      (level == "package"    ? notes.package
-       : level == "resource" ? notes.resource
-                             : notes.table)
-          .properties[subject] = *value;
+      Put(subject, *value, level == "package" ? notes.package : level == "resource" ? notes.resource : notes.table);
   }
 }
 
@@ -57,7 +64,7 @@ void ReadNotesOfVariable(pugi::xml_node variable, const XmlDocument& document, D
   for (const pugi::xml_node note : variable.children()) {
     if (!IsOwnNote(note)) continue;
     if (const std::optional<Json> value = ValueOf(note, document, oddities))
-      notes.properties[note.attribute("subject").value()] = *value;
+      Put(note.attribute("subject").value(), *value, notes);
   }
 }
 
