@@ -12,7 +12,7 @@ namespace runtime::output {
 
 /// What the runtime counted of one item of a procedure, for pictures and lists. All weights are sums of case weights.
 struct Sketch {
-  /// A class of values: [from, to), the last one closed.
+  /// A class of values: [from, to), the last one closed; from and to are the same where there is but one value.
   struct Bin {
     double from = 0.0;
     double to = 0.0;
@@ -62,7 +62,7 @@ struct ReportFacts {
   std::int64_t variables = 0;           // in the dictionary
   /// The variables and sets that the report has a table of: variables in the dictionary's order, then sets.
   std::vector<ItemFacts> items;
-  std::vector<MethodNote> notes;        // in the order in which they are shown
+  std::vector<MethodNote> notes;  // in the order in which they are shown
 };
 
 }  // namespace runtime::output
