@@ -40,9 +40,11 @@ def embedded(page):
 
 
 def without_sketches(report):
-    """What was counted for pictures stands in the page only."""
-    for procedure in report["procedures"]:
-        procedure.pop("sketches", None)
+    """What was counted for pictures stands in the page only, and so does the note on histograms, when there are any."""
+    sketches = [sketch for procedure in report["procedures"] for sketch in procedure.pop("sketches", [])]
+    notes = report.get("facts", {}).get("notes", [])
+    if any("edges" in sketch for sketch in sketches) and notes and notes[-1]["name"] == "Histograms":
+        notes.pop()
     return report
 
 
