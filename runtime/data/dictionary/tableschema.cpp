@@ -18,8 +18,12 @@ void ReadFieldsMatch(const JsonPlace& schema, TableDescriptor& table, Deviations
                                                                       {"subset", FieldsMatch::Subset},
                                                                       {"superset", FieldsMatch::Superset},
                                                                       {"partial", FieldsMatch::Partial}};
-  const auto word = FindUnwrapped(schema, "fieldsMatch", deviations);
-  if (!word) return;
+  const auto match = schema.Find("fieldsMatch");
+  if (!match) return;
+  // The text of the standard has a word here, its profile a list of one.
+  const std::vector<JsonPlace> words = match->isList() ? match->Entries() : std::vector<JsonPlace>{*match};
+  if (words.size() != 1) match->Fail("one of exact, equal, subset, superset, partial should stand here");
+  const JsonPlace* const word = &words.front();
   const auto found = kWords.find(word->Text());
   if (found == kWords.end()) {
     deviations.Add(

@@ -222,6 +222,15 @@ TEST(FieldsMatch, partialAsksForOneFieldAtLeast) {
   EXPECT_THROW(Matched("partial", {"x"}, true), DataError);
 }
 
+// The text of the standard has a word, its profile a list of words.
+TEST(FieldsMatch, isAWordOrAListOfOne) {
+  const Described all = Read(R"({"fieldsMatch":["subset"],"fields":[]})");
+  EXPECT_EQ(all.table.fieldsMatch, FieldsMatch::Subset);
+  EXPECT_THAT(all.notes, IsEmpty());
+  EXPECT_THROW(Read(R"({"fieldsMatch":["subset","equal"],"fields":[]})"), DataError);
+  EXPECT_THROW(Read(R"({"fieldsMatch":1,"fields":[]})"), DataError);
+}
+
 TEST(FieldsMatch, ofAnUnknownWordIsToldAndNotUsed) {
   EXPECT_THAT(Matched("loose", {"c", "b", "a"}),
               testing::StartsWith("cba\ns.json: /fieldsMatch: \"loose\" is none of"));

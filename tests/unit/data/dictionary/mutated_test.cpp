@@ -15,16 +15,19 @@ namespace {
 
 const std::string& Original() {
   static const std::string text = R"({"name":"p","title":"T","keywords":["a",1],"licenses":[{"name":"x","path":null}],
-"resources":[{"name":"r","path":["data.csv"],"dialect":{"delimiter":";","quoteChar":"\"","header":true},
+"resources":[{"name":"r","path":["data.csv"],"dialect":{"delimiter":";","quoteChar":"\"","header":true,"escapeChar":"\\",
+"commentRows":[1],"headerRows":[2],"commentChar":"#","lineTerminator":";","nullSequence":"NA","property":"x"},
 "encoding":"utf-8","description":"a\nb","codebook":{"attributes":{"a":"1","b":["2"]},"documents":["x",["y"]]},
-"schema":{"missingValues":[{"value":"-9","label":"refused"},""],"fields":[
+"schema":{"fieldsMatch":"subset","primaryKey":["s"],"missingValues":[{"value":"-9","label":"refused"},""],"fields":[
 {"name":"a b","type":"integer","title":"A","categories":[{"value":1,"label":"one"},{"value":"2","label":"two"}],
 "categoriesOrdered":true,"constraints":{"maxLength":3,"enum":[1]},"codebook":{"format":"F8.2","measure":"ordinal",
 "role":"target","missingRanges":[{"min":90,"max":99}],"attributes":{"k":"v"},"valueLabels":[{"value":3,"label":"x"}]}},
-{"name":"s","type":"string","description":"d","missingValues":["NA"]},{"name":"w","type":"number","decimalChar":","},
+{"name":"s","type":"string","description":"d","missingValues":["NA"],
+"categories":{"resource":"codes","valueField":"c","labelField":"l"}},{"name":"w","type":"number","decimalChar":","},
 {"name":"d","type":"date","format":"%d.%m.%Y"},{"name":"b","type":"boolean","trueValues":["y"],"falseValues":["n"]}],
 "codebook":{"weight":"w","multipleResponseSets":[{"name":"$x","type":"dichotomy","variables":["b","a b"],
-"countedValue":"1","categoryLabels":"countedValues"},{"name":"$y","type":"category","variables":["s"]}]}}}]})";
+"countedValue":"1","categoryLabels":"countedValues"},{"name":"$y","type":"category","variables":["s"]}]}}},
+{"name":"codes","format":"json","data":[{"c":"x","l":"an x"},{"c":1,"l":null,"m":[{}]}]}]})";
   return text;
 }
 
@@ -36,13 +39,13 @@ bool Taken(const std::string& descriptor, const TemporaryFolder& folder) {
       NumberColumn("b", FieldType::Boolean, {0, 1}),       StringColumn("", 2)};
   try {
     std::vector<Note> notes;
-    const TableDescriptor table = ReadDictionary({folder.Write("datapackage.json", descriptor), {}, {}}, notes);
+    const TableDescriptor table = ReadDictionary({folder.Write("datapackage.json", descriptor), "r", {}}, notes);
     std::vector<std::string> headers;
     for (const ColumnFacts& facts : columns) headers.push_back(facts.header);
     const auto fields = MatchFields(table, headers, false, notes);
     std::vector<DescribedColumn> described;
     for (std::size_t i = 0; i < columns.size(); ++i) described.push_back({&columns[i], fields[i]});
-    const Dictionary dictionary = AssembleDictionary(&table, described, table.dataPaths.front(), notes);
+    const Dictionary dictionary = AssembleDictionary(&table, described, std::nullopt, notes);
     EXPECT_EQ(dictionary.variables.size(), columns.size());
     return true;
   } catch (const DataError& error) {
