@@ -6,7 +6,7 @@ import unittest
 from program import LITTLE, ProgramTest
 
 DATA = "a,b\n1,x\n2,y\n1,x\n"
-SCHEMA = '{"fields": [{"name": "a", "title": "From the %s"}, {"name": "b"}]}'
+SCHEMA = '{"fields": [{"name": "a", "type": "integer", "title": "From the %s"}, {"name": "b", "type": "string"}]}'
 LABEL = "CODEBOOK a /VARINFO LABEL /STATISTICS NONE."
 
 
