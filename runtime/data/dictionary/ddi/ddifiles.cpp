@@ -48,12 +48,16 @@ DdiFiles::DdiFiles(pugi::xml_node codeBook, const std::vector<pugi::xml_node>& v
     std::vector<std::size_t>& files = fFilesOfVariable.emplace_back();
     for (const std::string& id : FileReferencesOf(variable)) {
       const auto found = fileOfId.find(id);
-      if (found != fileOfId.end()) files.push_back(found->second);
+      if (found != fileOfId.end() && std::find(files.begin(), files.end(), found->second) == files.end())
+        files.push_back(found->second);
     }
   }
-  for (std::size_t file = 0; file < fFiles.size(); ++file)
-    for (std::size_t variable = 0; variable < fNames.size(); ++variable)
-      if (Holds(file, variable)) ++fFiles[file].variables;
+  std::size_t everywhere = 0;
+  for (const std::vector<std::size_t>& files : fFilesOfVariable) {
+    if (files.empty()) ++everywhere;
+    for (const std::size_t file : files) ++fFiles[file].variables;
+  }
+  for (File& file : fFiles) file.variables += everywhere;
 }
 
 bool DdiFiles::Holds(std::size_t file, std::size_t variable) const {
@@ -73,21 +77,34 @@ std::vector<std::size_t> DdiFiles::FilesNamed(const std::string& name) const {
 
 std::vector<std::size_t> DdiFiles::Fits(const std::vector<std::string>& headers) const {
   const std::unordered_set<std::string> columns(headers.begin(), headers.end());
-  std::vector<std::size_t> fits(fFiles.size(), 0);
-  for (std::size_t file = 0; file < fFiles.size(); ++file) {
-    std::unordered_set<std::string> counted;
-    for (std::size_t variable = 0; variable < fNames.size(); ++variable)
-      if (Holds(file, variable) && columns.count(fNames[variable]) > 0) counted.insert(fNames[variable]);
-    fits[file] = counted.size();
+  std::unordered_set<std::string> everywhere;
+  std::vector<std::unordered_set<std::string>> ofFile(fFiles.size());
+  for (std::size_t variable = 0; variable < fNames.size(); ++variable) {
+    const std::string& name = fNames[variable];
+    if (columns.count(name) == 0) continue;
+    if (fFilesOfVariable[variable].empty()) everywhere.insert(name);
+    for (const std::size_t file : fFilesOfVariable[variable]) ofFile[file].insert(name);
+  }
+  std::vector<std::size_t> fits;
+  for (const std::unordered_set<std::string>& names : ofFile) {
+    const auto isCounted = [&](const std::string& name) { return everywhere.count(name) > 0; };
+    const auto twice = static_cast<std::size_t>(std::count_if(names.begin(), names.end(), isCounted));
+    fits.push_back(names.size() + everywhere.size() - twice);
   }
   return fits;
 }
 
 std::string DdiFiles::List() const {
+  constexpr std::size_t kMostListed = 20;
   std::vector<std::string> entries;
-  for (const File& file : fFiles)
-    entries.push_back(fmt::format("{} {} ({} variables)", file.id.empty() ? "(no ID)" : file.id,
+  for (const File& file : fFiles) {
+    if (entries.size() == kMostListed) {
+      entries.push_back(fmt::format("and {} more", fFiles.size() - kMostListed));
+      break;
+    }
+    entries.push_back(fmt::format("{} {} ({} variables)", file.id.empty() ? "(no ID)" : QuotedCell(file.id),
                                   QuotedCell(file.names.empty() ? std::string() : file.names.front()), file.variables));
+  }
   return fmt::format("{}", fmt::join(entries, ", "));
 }
 

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <unordered_set>
 
 #include <fmt/format.h>
 
@@ -88,6 +89,7 @@ class GroupReader {
   /// By ID; some documents write names.
   std::vector<std::size_t> MembersOf(pugi::xml_node group) {
     std::vector<std::size_t> members;
+    std::unordered_set<std::size_t> known;
     fHasMembersElsewhere = false;
     for (const std::string& reference : ReferencesOf(group, "var")) {
       auto found = fVariables.indexOfId.find(reference);
@@ -103,7 +105,7 @@ class GroupReader {
           continue;
         }
       }
-      if (std::find(members.begin(), members.end(), found->second) == members.end()) members.push_back(found->second);
+      if (known.insert(found->second).second) members.push_back(found->second);
     }
     return members;
   }
@@ -128,8 +130,7 @@ class GroupReader {
 
   bool ReadSet(pugi::xml_node group, const std::vector<std::size_t>& all) {
     const std::string name = "$" + NameOf(group);
-    const auto isIt = [&](const SetDescriptor& set) { return set.name == name; };
-    if (std::any_of(fTable.sets.begin(), fTable.sets.end(), isIt)) {
+    if (fSets.count(name) > 0) {
       Tell(DdiOddity::UnusableSet, group, "has the name of another one; the first one becomes a set");
       return false;
     }
@@ -148,6 +149,7 @@ class GroupReader {
     set.countedValue = counted.value_or("");
     for (const std::size_t member : members) set.variables.push_back(fVariables.variables[member].field.name);
     fTable.sets.push_back(std::move(set));
+    fSets.insert(name);
     fKept.KeepRestOf("varGrp", name, group, {"type", "var", "name"}, {title});
     return true;
   }
@@ -177,6 +179,7 @@ class GroupReader {
   TableDescriptor& fTable;
   KeptElements& fKept;
   RepeatedNotes& fNotes;
+  std::unordered_set<std::string> fSets;
   bool fHasMembersElsewhere = false;  // of the group read last
 };
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include <fmt/format.h>
@@ -130,6 +131,7 @@ class VariableReader {
     // What statistical programs print for a cell without a value.
     const bool isAbsent = entry.value == "." || entry.value == "Sysmiss";
     if (isMissing || isAbsent) {
+      fMissing.insert(entry.value);
       fField.missingValues.push_back(std::move(entry));
       return;
     }
@@ -230,9 +232,7 @@ class VariableReader {
   }
 
   void AddInvalidValue(const std::string& value) {
-    const auto isIt = [&](const LabelledValue& known) { return known.value == value; };
-    std::vector<LabelledValue>& missing = fField.missingValues;
-    if (std::none_of(missing.begin(), missing.end(), isIt)) missing.push_back({value, false, std::nullopt});
+    if (fMissing.insert(value).second) fField.missingValues.push_back({value, false, std::nullopt});
   }
 
   void ReadInvalidValue(pugi::xml_node item) {
@@ -283,6 +283,7 @@ class VariableReader {
   pugi::xml_node fElement;
   FieldDescriptor& fField;
   RepeatedNotes& fNotes;
+  std::unordered_set<std::string> fMissing;
   std::size_t fCodes = 0;  // of categories that are not missing
   std::size_t fNumericCodes = 0;
 };

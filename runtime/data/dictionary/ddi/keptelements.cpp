@@ -26,6 +26,16 @@ bool Holds(std::initializer_list<std::string_view> names, std::string_view name)
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
+/// Written here, because an object that keeps the order of its members looks for each of them one by one.
+std::string ObjectText(const std::vector<std::pair<std::string, Json>>& members) {
+  std::string text = "{";
+  for (const auto& [key, value] : members) {
+    if (text.size() > 1) text += ',';
+    text += Json(key).dump() + ':' + value.dump();
+  }
+  return text + '}';
+}
+
 }  // namespace
 
 Json ElementAsJson(pugi::xml_node element) {
@@ -64,7 +74,7 @@ bool SaysAnything(pugi::xml_node element) {
 
 KeptElements::Entry& KeptElements::EntryOf(const std::string& name) {
   const auto [found, isNew] = fIndexOfName.emplace(name, fEntries.size());
-  if (isNew) fEntries.push_back({name, {}, {}, {}});
+  if (isNew) fEntries.push_back({name, {}, {}, {}, {}, {}});
   return fEntries[found->second];
 }
 
@@ -93,7 +103,10 @@ void KeptElements::KeepRestOf(const std::string& path, const std::string& key, p
                               std::initializer_list<std::string_view> understoodAttributes,
                               const std::vector<pugi::xml_node>& understoodElements) {
   const auto keep = [&](const std::string& name, Json value) {
-    AppendTo(EntryOf("ddi:" + path + "/" + name).byKey[key], std::move(value));
+    Entry& entry = EntryOf("ddi:" + path + "/" + name);
+    const auto [found, isNew] = entry.indexOfKey.emplace(key, entry.members.size());
+    if (isNew) entry.members.push_back({key, nullptr});
+    AppendTo(entry.members[found->second].second, std::move(value));
   };
   for (const pugi::xml_attribute attribute : element.attributes())
     if (IsKeptAttribute(attribute.name()) && *attribute.value() != '\0' &&
@@ -108,19 +121,23 @@ void KeptElements::KeepRestOf(const std::string& path, const std::string& key, p
 
 void KeptElements::KeepProperty(const std::string& name, Json value) {
   Entry& entry = EntryOf(name);
-  if (entry.values.empty() && entry.byKey.is_null()) entry.byKey = std::move(value);
+  if (entry.property.is_null()) entry.property = std::move(value);
 }
 
 std::vector<ExtraProperty> KeptElements::Finish() const {
   std::vector<ExtraProperty> extras;
   for (const Entry& entry : fEntries) {
-    Json value = entry.byKey;
-    if (value.is_null()) {
-      std::vector<Json> values = entry.values;
-      if (!entry.counted.empty()) values.resize(fElementsOfPath.at(entry.counted));
-      value = values.size() == 1 ? values.front() : Json(values);
+    if (!entry.property.is_null()) {
+      extras.push_back({entry.name, entry.property.dump()});
+      continue;
     }
-    extras.push_back({entry.name, value.dump()});
+    if (!entry.members.empty()) {
+      extras.push_back({entry.name, ObjectText(entry.members)});
+      continue;
+    }
+    std::vector<Json> values = entry.values;
+    if (!entry.counted.empty()) values.resize(fElementsOfPath.at(entry.counted));
+    extras.push_back({entry.name, (values.size() == 1 ? values.front() : Json(values)).dump()});
   }
   return extras;
 }

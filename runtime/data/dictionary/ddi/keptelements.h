@@ -44,7 +44,10 @@ class KeptElements {
     std::string name;
     std::vector<Json> values;
     std::string counted;  // the path whose elements the values are aligned with; empty: none
-    Json byKey;           // an object in place of the values
+    Json property;        // one that is whole already, in place of the values
+    // An object in place of the values, with many keys.
+    std::vector<std::pair<std::string, Json>> members;
+    std::unordered_map<std::string, std::size_t> indexOfKey;
   };
   Entry& EntryOf(const std::string& name);
 

@@ -110,8 +110,8 @@ TEST(HouseholdBudget, theStudyIsDescribed) {
 TEST(HouseholdBudget, withoutDataTheFileMustBeNamed) {
   EXPECT_THAT(
       ReadDdiFile(DdiPath(kBudget)).error,
-      AllOf(HasSubstr("F1 \"LFS_2023_synth_household_ground-truth\" (46 variables)"),
-            HasSubstr("F2 \"LFS_2023_synth_individual_ground-truth\" (10 variables)"), HasSubstr("--resource")));
+      AllOf(HasSubstr("\"F1\" \"LFS_2023_synth_household_ground-truth\" (46 variables)"),
+            HasSubstr("\"F2\" \"LFS_2023_synth_individual_ground-truth\" (10 variables)"), HasSubstr("--resource")));
 }
 
 TEST(HouseholdBudget, itsSiblingsAreRead) {

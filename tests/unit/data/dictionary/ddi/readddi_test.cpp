@@ -382,7 +382,7 @@ TEST(DdiFilesOf, theOneAskedForIsTaken) {
   EXPECT_THAT(NamesOf(ReadDdiText(kTwoFiles, {"households", {}, {}})), ElementsAre("id", "size", "region"));
   EXPECT_THAT(ReadDdiText(kTwoFiles, {"F3", {}, {}}).error,
               AllOf(HasSubstr("\"F3\""),
-                    HasSubstr("F1 \"Households.NSDstat\" (3 variables), F2 \"persons.csv\" (3 variables)")));
+                    HasSubstr("\"F1\" \"Households.NSDstat\" (3 variables), \"F2\" \"persons.csv\" (3 variables)")));
 }
 
 TEST(DdiFilesOf, theOneWithTheNameOfTheDataIsTaken) {
@@ -403,7 +403,7 @@ TEST(DdiFilesOf, aNameThatFitsNoColumnIsNotBelieved) {
 TEST(DdiFilesOf, severalThatFitAreAnErrorThatListsThem) {
   for (const DdiOptions& options : {DdiOptions{}, WithHeaders({"id"}), WithHeaders({}, "-")})
     EXPECT_THAT(ReadDdiText(kTwoFiles, options).error,
-                AllOf(HasSubstr("2 files"), HasSubstr("--resource"), HasSubstr("F2 \"persons.csv\"")));
+                AllOf(HasSubstr("2 files"), HasSubstr("--resource"), HasSubstr("\"F2\" \"persons.csv\"")));
 }
 
 TEST(DdiFilesOf, oneFileTakesAllVariables) {
