@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "runtime/output/language/catalog.h"
+#include "runtime/output/render/html/htmltext.h"
 #include "runtime/output/render/html/pagewords.h"
-#include "runtime/output/render/html/sha256.h"
 #include "runtime/output/render/jsonreport.h"
 #include "runtime/output/render/terminaltext.h"
 
@@ -17,30 +17,6 @@ std::string_view PageStyle();
 std::string_view PageScript();
 
 namespace {
-
-/// Text between tags and in attributes with quotes, where nothing may be taken for markup.
-std::string HtmlText(std::string_view text) {
-  std::string html;
-  for (const char c : text) {
-    switch (c) {
-      case '&':
-        html += "&amp;";
-        break;
-      case '<':
-        html += "&lt;";
-        break;
-      case '>':
-        html += "&gt;";
-        break;
-      case '"':
-        html += "&quot;";
-        break;
-      default:
-        html += c;
-    }
-  }
-  return html;
-}
 
 /// What the window and lists of files are headed by: one line, and no longer than such places show.
 std::string PageTitle(const Report& report, const Catalog* catalog) {
@@ -55,11 +31,6 @@ std::string PageTitle(const Report& report, const Catalog* catalog) {
     if (!of.empty()) of.remove_suffix(1);  // the character that was cut
   }
   return EscapeForTerminal(of, true, LineEnds::Escape) + " – " + title;
-}
-
-std::string HashSource(std::string_view text) {
-  const auto digest = Sha256(text);
-  return "'sha256-" + Base64(digest.data(), digest.size()) + "'";
 }
 
 const std::string& Policy() {
