@@ -45,6 +45,9 @@ LIBRARIES = [
     ("duckdb.h", ["runtime/data/source", "tests/cells", "bench"]),
     ("hwy/", ["runtime/data/csv"]),
     ("pugixml.hpp", ["runtime/data/dictionary/ddi"]),
+    ("zlib.h", ["runtime/data/compression", "tests/unit/data/compression"]),
+    ("zstd.h", ["runtime/data/compression", "tests/unit/data/compression"]),
+    ("sqlite3.h", ["runtime/data/source/sqlite", "tests/unit/data/source"]),
     ("xlsxwriter.h", ["runtime/output/render/xlsx"]),
     ("CLI/", ["app"]),
     ("gtest/", ["tests"]),
@@ -55,7 +58,7 @@ LIBRARIES = [
 # The operating system: files, memory, threads and the loading of libraries, for who talks to it.
 SYSTEM_FOLDERS = """runtime/machine runtime/data runtime/aggregation runtime/output/render/xlsx runtime/common app tests
     bench""".split()
-SYSTEM = """dirent.h dlfcn.h fcntl.h langinfo.h malloc.h poll.h pthread.h sched.h signal.h spawn.h termios.h time.h unistd.h
+SYSTEM = """dirent.h dlfcn.h fcntl.h glob.h langinfo.h malloc.h poll.h pthread.h sched.h signal.h spawn.h termios.h time.h unistd.h
     sys/ioctl.h sys/mman.h sys/resource.h sys/stat.h sys/statvfs.h sys/time.h sys/types.h sys/uio.h sys/wait.h
     immintrin.h""".split()
 

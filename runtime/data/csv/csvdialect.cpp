@@ -7,7 +7,9 @@
 
 #include <fmt/format.h>
 
+#include "runtime/data/compression/packing.h"
 #include "runtime/data/csv/recordscanner.h"
+#include "runtime/data/lowerascii.h"
 #include "runtime/data/open.h"
 #include "runtime/data/typing/quotedcell.h"
 
@@ -62,8 +64,8 @@ Fit FitOf(std::string_view text, const CsvDialect& dialect) {
 }
 
 bool IsTabFile(const std::string& source) {
-  std::string ending = source.substr(std::min(source.rfind('.'), source.size()));
-  for (char& c : ending) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+  const std::string name = LowerAscii(WithoutPackedEnding(source));
+  const std::string ending = name.substr(std::min(name.rfind('.'), name.size()));
   return ending == ".tsv" || ending == ".tab";
 }
 

@@ -12,7 +12,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "runtime/data/compression/packing.h"
 #include "runtime/data/csv/encoding.h"
+#include "runtime/data/csv/encodingdetection.h"
 #include "runtime/data/typing/cellblock.h"
 #include "runtime/data/typing/quotedcell.h"
 #include "runtime/machine/spillfile.h"
@@ -32,6 +34,7 @@ class Descriptor {
  public:
   explicit Descriptor(const std::string& path)
       : fOwned(path != "-"), fNumber(fOwned ? open(path.c_str(), O_RDONLY | O_CLOEXEC) : STDIN_FILENO) {}
+  explicit Descriptor(int opened) : fOwned(true), fNumber(opened) {}
   ~Descriptor() {
     if (fOwned && fNumber >= 0) close(fNumber);
   }
@@ -112,7 +115,9 @@ FileBytes::FileBytes(const std::string& path) {
   if (fstat(file.number(), &status) != 0) FailToRead(path, errno);
   if (S_ISDIR(status.st_mode)) FailToRead(path, EISDIR);
   const bool isRegular = S_ISREG(status.st_mode) && status.st_size > 0 && path != "-";
-  if (!isRegular || !Map(file.number(), static_cast<std::size_t>(status.st_size))) ReadToEnd(path, file.number());
+  if (!isRegular || !Map(file.number(), static_cast<std::size_t>(status.st_size)))
+    ReadToEnd(path, [&](char* buffer, std::size_t size) { return ReadInto(path, file.number(), buffer, size); });
+  if (PackingOf(fBytes) != Packing::None) Unpack(path);
   if (fBytes.empty())
     throw DataError(fmt::format("{}: {} empty; a table has at least a header line", NameOf(path),
                                 path == "-" ? "it is" : "the file is"));
@@ -135,12 +140,27 @@ bool FileBytes::Map(int descriptor, std::size_t size) {
   return true;
 }
 
-void FileBytes::ReadToEnd(const std::string& path, int descriptor) {
+FileBytes::FileBytes(FileBytes&& other) noexcept
+    : fMapped(std::exchange(other.fMapped, nullptr)),
+      fMappedSize(std::exchange(other.fMappedSize, 0)),
+      fRead(std::move(other.fRead)),
+      fBytes(std::exchange(other.fBytes, {})) {
+  if (fMapped == nullptr) fBytes = std::string_view(fRead).substr(0, fBytes.size());
+  other.fRead.clear();
+}
+
+void FileBytes::Unpack(const std::string& path) {
+  const FileBytes packed(std::move(*this));
+  const auto unpacker = NewUnpacker(PackingOf(packed.bytes()), packed.bytes(), NameOf(path));
+  ReadToEnd(path, [&](char* buffer, std::size_t size) { return unpacker->Read(buffer, size); });
+}
+
+void FileBytes::ReadToEnd(const std::string& path, const ReadPiece& readPiece) {
   std::size_t used = 0;
   while (used <= kMostInMemory) {
     const std::size_t room = std::max(used, kReadAtOnce);
     fRead.resize(used + room + CellBlock::kReadAhead);
-    const std::size_t got = ReadInto(path, descriptor, fRead.data() + used, room);
+    const std::size_t got = readPiece(fRead.data() + used, room);
     used += got;
     if (got < room) {
       fRead.resize(used + CellBlock::kReadAhead);
@@ -148,16 +168,14 @@ void FileBytes::ReadToEnd(const std::string& path, int descriptor) {
       return;
     }
   }
-  const int temporary = machine::OpenNamelessFile();
-  machine::WriteAll(temporary, fRead.data(), used);
-  while (const std::size_t got = ReadInto(path, descriptor, fRead.data(), kReadAtOnce)) {
-    machine::WriteAll(temporary, fRead.data(), got);
+  const Descriptor temporary(machine::OpenNamelessFile());
+  machine::WriteAll(temporary.number(), fRead.data(), used);
+  while (const std::size_t got = readPiece(fRead.data(), kReadAtOnce)) {
+    machine::WriteAll(temporary.number(), fRead.data(), got);
     used += got;
   }
   std::string().swap(fRead);
-  const bool mapped = Map(temporary, used);
-  close(temporary);
-  if (!mapped) FailToRead(path, errno);
+  if (!Map(temporary.number(), used)) FailToRead(path, errno);
 }
 
 FileBytes::~FileBytes() {
@@ -187,6 +205,13 @@ void InputText::Decode(const std::optional<std::string>& encoding, std::vector<N
   if (mark) {
     name = mark->encoding;
     bytes.remove_prefix(mark->length);
+  }
+  const std::optional<std::string> wide = encoding || mark ? std::nullopt : DetectWideEncoding(bytes);
+  if (wide) {
+    name = *wide;
+    notes.push_back({false, fmt::format("{}: it was read as {}, as its zero bytes suggest; the dictionary can name the "
+                                        "encoding (\"encoding\": \"{}\")",
+                                        fName, name, name)});
   }
   if (!IsUtf8Name(name) && !IsKnownEncoding(name))
     throw DataError(fmt::format("{}: its encoding {} is unknown; name one such as UTF-8, ISO-8859-1 or windows-1252",
@@ -221,6 +246,18 @@ void InputText::Take(std::string converted) {
 
 void InputText::Repair(std::vector<Note>& notes) {
   Replacements replaced;
+  const auto detected = fEncodingIsSaid ? std::nullopt : DetectEncoding(fText);
+  if (detected) {
+    notes.push_back({false, fmt::format("{}: it is not UTF-8 and was read as {}, by its {} beyond ASCII; if that is "
+                                        "wrong, name the encoding in the dictionary (\"encoding\": \"...\")",
+                                        fName, detected->name,
+                                        detected->otherBytes == 1 ? std::string("1 byte")
+                                                                  : fmt::format("{} bytes", detected->otherBytes))});
+    std::string converted = ConvertedToUtf8(fText, detected->name, replaced);
+    NoteReplacements(fName, replaced, detected->name, true, notes);
+    Take(std::move(converted));
+    return;
+  }
   std::string repaired = RepairedUtf8(fText, replaced);
   NoteReplacements(fName, replaced, "UTF-8", fEncodingIsSaid, notes);
   Take(std::move(repaired));

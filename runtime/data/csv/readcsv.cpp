@@ -10,6 +10,7 @@
 #include "runtime/data/csv/preparedtext.h"
 #include "runtime/data/csv/segmentedreading.h"
 #include "runtime/data/store/blanktexts.h"
+#include "runtime/data/typing/typesteps.h"
 #include "runtime/data/typing/unreadablecells.h"
 
 namespace runtime::data {
@@ -61,6 +62,17 @@ void LookAhead(const CsvPart& part, const ColumnTypers& typers) {
   for (std::size_t column = 0; column < typers.size(); ++column) typers[column]->LookAt(block, column);
 }
 
+/// In a table of several files a row is named by its file, and counted there.
+void NameFiles(const std::vector<CsvPart>& parts, const std::vector<ScanFindings>& findings,
+               std::vector<TypeStep>& steps) {
+  if (parts.size() < 2) return;
+  for (TypeStep& step : steps) {
+    std::size_t part = 0;
+    for (; part + 1 < parts.size() && step.row > findings[part].rows; ++part) step.row -= findings[part].rows;
+    step.source = parts[part].input->name();
+  }
+}
+
 /// One reading of all parts.
 TypedTable ReadTable(const std::vector<CsvPart>& parts, const std::vector<ColumnPlan>& plans,
                      const ReadingOptions& options, std::vector<Note>& notes) {
@@ -97,7 +109,10 @@ TypedTable ReadTable(const std::vector<CsvPart>& parts, const std::vector<Column
     if (secondTypers[column]) stored = {secondGroups, inSecond++, typer.strings()};
     if (typer.isBlankText()) stored = blanks.Column();
     table.columns.push_back({std::move(stored), typer.Finish()});
+    if (!options.explainTypes) continue;
+    NameFiles(parts, reading.findings(), table.steps.emplace_back(StepsToType(table.columns.back(), plans[column])));
   }
+  NoteStrayCells(parts.front().input->name(), table.columns, plans, notes);
   return table;
 }
 

@@ -1,5 +1,6 @@
 #include "runtime/data/dictionary/readdictionary.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -8,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include "runtime/data/compression/packing.h"
 #include "runtime/data/dictionary/datapackage.h"
 #include "runtime/data/dictionary/datapath.h"
 #include "runtime/data/dictionary/ddi/readddi.h"
@@ -79,8 +81,9 @@ std::optional<std::string> FindDictionary(const std::string& dataPath) {
     const Json tree = ReadJsonFile(package.string());
     if (PackageLists({tree, package.string()}, package.string(), dataPath)) return package.string();
   }
+  const std::string stem = fs::path(WithoutPackedEnding(dataPath)).stem().string();
   for (const char* ending : {".schema.json", ".ddi.xml"}) {
-    const fs::path candidate = data.parent_path() / (data.stem().string() + ending);
+    const fs::path candidate = data.parent_path() / (stem + ending);
     if (IsFile(candidate)) return candidate.string();
   }
   return std::nullopt;
@@ -104,6 +107,22 @@ TableDescriptor ReadDictionary(const DictionaryRequest& request, std::vector<Not
   if (request.resource)
     root.Fail(fmt::format("a Table Schema holds no resource \"{}\"; leave out --resource", *request.resource));
   if (!request.dataPath) root.Fail("a Table Schema names no data; give the data file, and this file with -d");
+  return ReadSchemaFile(root, request.path, notes);
+}
+
+std::optional<TableDescriptor> ReadDictionaryText(const std::string& text, const DictionaryRequest& request,
+                                                  std::vector<Note>& notes) {
+  Json tree = ParseJson(text, request.path, &notes);
+  RestoreKeptProperties(tree);
+  const JsonPlace root(tree, request.path);
+  if (!root.isObject()) return std::nullopt;
+  if (root.Find("resources")) return ReadPackage(root, request, notes);
+  const auto fields = root.Find("fields");
+  // Other programs keep schemas of their own under such names.
+  const auto isField = [](const JsonPlace& field) { return field.isObject() && field.Find("name"); };
+  if (!fields || !fields->isList()) return std::nullopt;
+  const std::vector<JsonPlace> entries = fields->Entries();
+  if (!std::all_of(entries.begin(), entries.end(), isField)) return std::nullopt;
   return ReadSchemaFile(root, request.path, notes);
 }
 

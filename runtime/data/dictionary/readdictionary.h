@@ -32,4 +32,9 @@ struct DictionaryRequest {
 /// Throws DataError.
 TableDescriptor ReadDictionary(const DictionaryRequest& request, std::vector<Note>& notes);
 
+/// The same for a Data Package or Table Schema as text, of which `request.path` names the place. Nothing for JSON that
+/// is neither. Throws DataError.
+std::optional<TableDescriptor> ReadDictionaryText(const std::string& text, const DictionaryRequest& request,
+                                                  std::vector<Note>& notes);
+
 }  // namespace runtime::data

@@ -84,11 +84,11 @@ void DuckDBChunk::Texts(std::size_t column, std::size_t first, std::size_t count
 struct DuckDBSession::Database {
   const DuckDBLibrary& library = DuckDBLibrary::Get();
   duckdb_database database = nullptr;
-  int file = -1;  // kept open while its number stands for its path
+  std::vector<int> opened;  // kept open while their numbers stand for paths
 
   Database() = default;
   ~Database() {
-    if (file >= 0) close(file);
+    for (const int file : opened) close(file);
     library.duckdb_close(&database);
   }
   Database(const Database&) = delete;
@@ -119,9 +119,9 @@ class DuckDBSession::Result {
       : fSession(session), fLibrary(session.fDatabase->library) {
     if (fLibrary.duckdb_prepare(connection.get(), sql.c_str(), &fStatement) == DuckDBError)
       Fail(fLibrary.duckdb_prepare_error(fStatement));
-    if (sql.find("$1") != std::string::npos &&
-        fLibrary.duckdb_bind_varchar(fStatement, 1, session.fPath.c_str()) == DuckDBError)
-      Fail("the path cannot be handed over");
+    // A name may hold these characters too; then there is nothing to be bound, and no harm in trying.
+    if (sql.find("$1") != std::string::npos)
+      fLibrary.duckdb_bind_varchar(fStatement, 1, session.fPaths.front().c_str());
     if (fLibrary.duckdb_execute_prepared_streaming(fStatement, &fResult) == DuckDBError)
       Fail(fLibrary.duckdb_result_error(&fResult));
   }
@@ -180,13 +180,20 @@ class DuckDBSession::Stream : public DuckDBStream {
   std::optional<FetchedChunk> fChunk;
 };
 
-DuckDBSession::DuckDBSession(const std::string& path, int threads)
-    : fFile(path), fPath(path), fDatabase(std::make_unique<Database>()), fThreads(threads) {
-  if (path.find_first_of("*?[") != std::string::npos) {
-    // DuckDB takes such a name for a pattern of names and knows no way to write it otherwise.
-    fDatabase->file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fDatabase->file < 0) Fail(std::strerror(errno));
-    fPath = fmt::format("/proc/self/fd/{}", fDatabase->file);
+DuckDBSession::DuckDBSession(std::vector<DuckDBFile> files, int threads)
+    : fFiles(std::move(files)), fDatabase(std::make_unique<Database>()), fThreads(threads) {
+  for (const DuckDBFile& file : fFiles)
+    if (file.descriptor >= 0) fDatabase->opened.push_back(file.descriptor);
+  for (const DuckDBFile& file : fFiles) {
+    int descriptor = file.descriptor;
+    if (descriptor < 0 && file.name.find_first_of("*?[") != std::string::npos) {
+      // DuckDB takes such a name for a pattern of names and knows no way to write it otherwise.
+      descriptor = open(file.name.c_str(), O_RDONLY | O_CLOEXEC);
+      if (descriptor < 0)
+        throw DataError(fmt::format("{}: the file cannot be read: {}", file.name, std::strerror(errno)));
+      fDatabase->opened.push_back(descriptor);
+    }
+    fPaths.push_back(descriptor < 0 ? file.name : fmt::format("/proc/self/fd/{}", descriptor));
   }
   const DuckDBLibrary& library = fDatabase->library;
   duckdb_config config = nullptr;
@@ -209,12 +216,20 @@ DuckDBSession::DuckDBSession(const std::string& path, int threads)
   Set("SET GLOBAL parquet_metadata_cache = true");
   // Several threads work on one query only as far as there is room for what they are ahead.
   if (threads != 1) Set("SET streaming_buffer_size = '64MB'");
-  Set("SET allowed_paths = [" + Quoted(fPath) + "]");
+  Set("SET allowed_paths = " + this->files());
   Set("SET enable_external_access = false");
   Set("SET lock_configuration = true");
 }
 
 DuckDBSession::~DuckDBSession() = default;
+
+std::string DuckDBSession::files() const {
+  std::string list;
+  for (const std::string& path : fPaths) list += (list.empty() ? "[" : ", ") + Quoted(path);
+  return list + "]";
+}
+
+std::string DuckDBSession::file(std::size_t index) const { return "[" + Quoted(fPaths[index]) + "]"; }
 
 void DuckDBSession::Set(const std::string& sql) const {
   Result result(*this, *fConnection, sql);
@@ -248,11 +263,16 @@ std::vector<DuckDBColumn> DuckDBSession::Columns(const std::string& sql) const {
 }
 
 void DuckDBSession::Fail(const std::string& problem) const {
-  if (const std::optional<std::string> fault = FindFileFault(fFile)) throw DataError(*fault);
   std::string words = problem;
-  for (std::size_t at = words.find(fPath); fPath != fFile && at != std::string::npos; at = words.find(fPath, at))
-    words.replace(at, fPath.size(), fFile);
-  throw DataError(fmt::format("{}: the file cannot be read: {}", fFile, words));
+  for (std::size_t i = 0; i < fFiles.size(); ++i) {
+    const std::string& name = fFiles[i].name;
+    const std::string& path = fPaths[i];
+    if (const std::optional<std::string> fault = FindFileFault(name, path)) throw DataError(*fault);
+    for (std::size_t at = words.find(path); path != name && at != std::string::npos;
+         at = words.find(path, at + name.size()))
+      words.replace(at, path.size(), name);
+  }
+  throw DataError(fmt::format("{}: the file cannot be read: {}", fFiles.front().name, words));
 }
 
 }  // namespace runtime::data

@@ -1,4 +1,4 @@
-// A DuckDB database in memory that may read one file and nothing else.
+// A DuckDB database in memory that may read certain files and nothing else.
 #pragma once
 
 #ifdef CODEBOOK_HAVE_DUCKDB
@@ -50,21 +50,33 @@ struct DuckDBColumn {
   int decimalScale = 0;
 };
 
+/// A file that a session may read.
+struct DuckDBFile {
+  std::string name;     // an absolute path
+  int descriptor = -1;  // of another, open file to read in its place; the session closes it. -1: none
+};
+
 /// Extensions are neither fetched nor loaded, the network is out of reach, nothing is written to disk, rows keep their
 /// order. Errors throw DataError that names the file.
 class DuckDBSession {
  public:
-  /// `path` is absolute and names a file that can be opened; characters of patterns (* ? [) are taken literally.
-  /// `threads` 0: as many as the machine has. With 1 a query runs on the thread that takes its rows.
-  DuckDBSession(const std::string& path, int threads);
+  /// The files can be opened; characters of patterns (* ? [) in their names are taken literally. `threads` 0: as many
+  /// as the machine has. With 1 a query runs on the thread that takes its rows. REQUIRES: at least one file.
+  DuckDBSession(std::vector<DuckDBFile> files, int threads);
+  DuckDBSession(const std::string& path, int threads) : DuckDBSession({DuckDBFile{path}}, threads) {}
   ~DuckDBSession();
   DuckDBSession(const DuckDBSession&) = delete;
   DuckDBSession& operator=(const DuckDBSession&) = delete;
 
-  /// Runs a query, whose parameter $1 is the path; it must end before the session. With one thread several may be under
-  /// way at once, also on other threads than this one; with several, which then work on it, it must be the only query.
+  /// The files, and one of them, as a list of SQL for the functions that read files.
+  std::string files() const;
+  std::string file(std::size_t index) const;
+
+  /// Runs a query, whose parameter $1 is the first file's path; it must end before the session. With one thread several
+  /// may be under way at once, also on other threads than this one; with several, which then work on it, it must be the
+  /// only query.
   std::unique_ptr<DuckDBStream> Open(const std::string& sql) const;
-  /// Runs a query whose parameter $1, where it has one, is the path, and hands over its rows.
+  /// Runs a query whose parameter $1, where it has one, is the first file's path, and hands over its rows.
   void Run(const std::string& sql, const std::function<void(const DuckDBChunk&)>& take) const;
   /// The columns of a query, which should give no rows.
   std::vector<DuckDBColumn> Columns(const std::string& sql) const;
@@ -78,8 +90,8 @@ class DuckDBSession {
   void Set(const std::string& sql) const;
   [[noreturn]] void Fail(const std::string& problem) const;
 
-  std::string fFile;  // in messages
-  std::string fPath;  // as DuckDB is told it
+  std::vector<DuckDBFile> fFiles;
+  std::vector<std::string> fPaths;  // of each file, as DuckDB is told it
   std::unique_ptr<Database> fDatabase;
   int fThreads;
   std::unique_ptr<Connection> fConnection;

@@ -5,26 +5,31 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "runtime/data/compression/packing.h"
+#include "runtime/data/csv/inputtext.h"
+#include "runtime/data/dictionary/embeddeddictionary.h"
 #include "runtime/data/open.h"
 #include "runtime/data/source/duckdblibrary.h"
 #include "runtime/data/source/duckdbsession.h"
 #include "runtime/data/source/nativecells.h"
 #include "runtime/data/typing/quotedcell.h"
+#include "runtime/machine/spillfile.h"
 
 namespace runtime::data {
 namespace {
 
-constexpr const char* kParquetTable = "read_parquet($1, hive_partitioning = false)";
+constexpr const char* kParquetTable = "read_parquet({}, hive_partitioning = false, union_by_name = {})";
 // A column of the depth 1 is each value's own JSON, exactly as it is written.
 constexpr const char* kJsonTable =
-    "read_json($1, format = 'newline_delimited', records = 'true', maximum_depth = 1, sample_size = -1, "
-    "hive_partitioning = false)";
+    "read_json({}, format = 'newline_delimited', records = 'true', maximum_depth = 1, sample_size = -1, "
+    "hive_partitioning = false, union_by_name = {})";
 constexpr int kDigitsOfDouble = 15;
 
 std::string Identifier(const std::string& name) {
@@ -212,16 +217,35 @@ class DuckDBTableStream : public TableStream {
   std::vector<std::string_view> fTexts;
 };
 
+/// What is compressed is unpacked into a file without a name.
+std::vector<DuckDBFile> FilesOf(const std::vector<std::string>& paths, TableFileKind kind) {
+  std::vector<DuckDBFile> files;
+  for (const std::string& path : paths) {
+    DuckDBFile& file = files.emplace_back();
+    file.name = std::filesystem::absolute(path).string();
+    char begin[4] = {};
+    std::ifstream(path, std::ios::binary).read(begin, sizeof begin);
+    if (PackingOf({begin, sizeof begin}) == Packing::None) continue;
+    if (kind == TableFileKind::Parquet)
+      throw DataError(fmt::format("{}: a compressed Parquet file is not read; unpack it", path));
+    const FileBytes unpacked(path);
+    file.descriptor = machine::OpenNamelessFile();
+    machine::WriteAll(file.descriptor, unpacked.bytes().data(), unpacked.bytes().size());
+  }
+  return files;
+}
+
 class DuckDBTable : public TableSource {
  public:
   // A Parquet file is read by a stream a thread, JSON lines by one stream on which all threads work.
-  DuckDBTable(const std::string& path, TableFileKind kind, int threads)
-      : fPath(path),
+  DuckDBTable(const std::vector<std::string>& paths, TableFileKind kind, int threads)
+      : fPath(paths.size() == 1 ? paths.front() : fmt::format("{} and {} more", paths.front(), paths.size() - 1)),
         fKind(kind),
-        fSession(std::filesystem::absolute(path).string(), kind == TableFileKind::Parquet ? 1 : threads),
-        fTable(kind == TableFileKind::Parquet ? kParquetTable : kJsonTable) {
+        fSession(FilesOf(paths, kind), kind == TableFileKind::Parquet ? 1 : threads),
+        fTable(TableOf(fSession.files(), paths.size() > 1)) {
+    CheckThatColumnsAreTheSame(paths);
     const std::vector<DuckDBColumn> columns = fSession.Columns(fmt::format("SELECT * FROM {} LIMIT 0", fTable));
-    if (columns.empty()) throw DataError(path + ": the file has no columns");
+    if (columns.empty()) throw DataError(fPath + ": the file has no columns");
     if (kind == TableFileKind::Parquet)
       DescribeParquet(columns);
     else
@@ -232,8 +256,14 @@ class DuckDBTable : public TableSource {
   std::unique_ptr<TableStream> Open(const std::vector<StreamColumn>& columns) override;
 
  private:
+  std::string TableOf(const std::string& files, bool areSeveral) const {
+    return fKind == TableFileKind::Parquet ? fmt::format(kParquetTable, files, areSeveral)
+                                           : fmt::format(kJsonTable, files, areSeveral);
+  }
+  void CheckThatColumnsAreTheSame(const std::vector<std::string>& paths) const;
   void DescribeParquet(const std::vector<DuckDBColumn>& columns);
   void DescribeJson(const std::vector<DuckDBColumn>& columns);
+  void ReadMetadata();
   void MakeTextOfWhatDoesNotFit();
   std::vector<bool> ColumnsProvenToFit() const;
 
@@ -253,6 +283,47 @@ void DuckDBTable::DescribeParquet(const std::vector<DuckDBColumn>& columns) {
   fSession.Run(fmt::format("SELECT count(*)::DOUBLE FROM {}", fTable),
                [&](const DuckDBChunk& chunk) { fRowCount = static_cast<std::int64_t>(chunk.Number(0, 0)); });
   MakeTextOfWhatDoesNotFit();
+  ReadMetadata();
+}
+
+/// Keys and values are bytes; in hexadecimal digits nothing of them is lost on the way.
+void DuckDBTable::ReadMetadata() {
+  const auto bytesOf = [](std::string_view digits) {
+    const auto valueOf = [](char digit) { return digit <= '9' ? digit - '0' : digit - 'A' + 10; };
+    std::string bytes;
+    for (std::size_t at = 0; at + 1 < digits.size(); at += 2)
+      bytes.push_back(static_cast<char>(valueOf(digits[at]) * 16 + valueOf(digits[at + 1])));
+    return bytes;
+  };
+  std::vector<std::string> keys;
+  for (const std::string& key : DictionaryKeys()) keys.push_back("'" + key + "'::BLOB");
+  fSession.Run(fmt::format("SELECT hex(key), hex(value) FROM parquet_kv_metadata({}) WHERE key IN ({})",
+                           fSession.file(0), fmt::join(keys, ", ")),
+               [&](const DuckDBChunk& chunk) {
+                 std::vector<std::string_view> texts(2 * chunk.rows());
+                 chunk.Texts(0, 0, chunk.rows(), texts.data());
+                 chunk.Texts(1, 0, chunk.rows(), texts.data() + chunk.rows());
+                 for (std::size_t row = 0; row < chunk.rows(); ++row)
+                   fMetadata.emplace_back(bytesOf(texts[row]), bytesOf(texts[chunk.rows() + row]));
+               });
+}
+
+void DuckDBTable::CheckThatColumnsAreTheSame(const std::vector<std::string>& paths) const {
+  if (paths.size() == 1) return;
+  std::vector<std::string> expected;
+  for (std::size_t file = 0; file < paths.size(); ++file) {
+    std::vector<std::string> names;
+    for (const DuckDBColumn& column :
+         fSession.Columns(fmt::format("SELECT * FROM {} LIMIT 0", TableOf(fSession.file(file), false))))
+      names.push_back(column.name);
+    if (file == 0) expected = names;
+    if (names == expected) continue;
+    const auto [mine, theirs] = std::mismatch(names.begin(), names.end(), expected.begin(), expected.end());
+    throw DataError(
+        fmt::format("{}: its column {} is {}, and that of {} is {}; the files of one table must have the same columns",
+                    paths[file], mine - names.begin() + 1, mine == names.end() ? "not there" : QuotedCell(*mine),
+                    paths.front(), theirs == expected.end() ? "not there" : QuotedCell(*theirs)));
+  }
 }
 
 /// The columns of whose values the file itself says that they fit; none when columns have parts of their own, for the
@@ -265,7 +336,8 @@ std::vector<bool> DuckDBTable::ColumnsProvenToFit() const {
   // A group of rows without any value needs no bounds.
   fSession.Run(
       "SELECT column_id::DOUBLE, stats_min_value, stats_max_value, coalesce(stats_null_count = num_values, "
-      "false)::INTEGER::DOUBLE FROM parquet_metadata($1)",
+      "false)::INTEGER::DOUBLE FROM parquet_metadata(" +
+          fSession.files() + ")",
       [&](const DuckDBChunk& chunk) {
         const std::size_t count = chunk.rows();
         least.resize(count);
@@ -353,8 +425,8 @@ std::unique_ptr<TableStream> DuckDBTable::Open(const std::vector<StreamColumn>& 
 
 }  // namespace
 
-std::unique_ptr<TableSource> OpenDuckDBTable(const std::string& path, TableFileKind kind, int threads) {
-  return std::make_unique<DuckDBTable>(path, kind, threads);
+std::unique_ptr<TableSource> OpenDuckDBTable(const std::vector<std::string>& paths, TableFileKind kind, int threads) {
+  return std::make_unique<DuckDBTable>(paths, kind, threads);
 }
 
 bool FitsDouble(std::string_view digits) {

@@ -5,8 +5,10 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "runtime/data/dictionary/descriptor.h"
@@ -63,6 +65,8 @@ class TableSource {
 
   const std::vector<SourceColumn>& columns() const { return fColumns; }
   std::int64_t rowCount() const { return fRowCount; }
+  /// What the file says of itself, keys with texts, of the keys that may hold a dictionary; of several files the first.
+  const std::vector<std::pair<std::string, std::string>>& metadata() const { return fMetadata; }
 
   /// As many columns as a stream reads best when so many threads read streams of their own.
   virtual std::size_t ColumnsOfStream(int threads) const = 0;
@@ -72,16 +76,27 @@ class TableSource {
  protected:
   std::vector<SourceColumn> fColumns;
   std::int64_t fRowCount = 0;
+  std::vector<std::pair<std::string, std::string>> fMetadata;
 };
 
 /// The ending of a file's name in lower case (ASCII letters), with its period; empty when it has none.
 std::string LowerEnding(const std::string& path);
 
-/// Whether a path names a file of such a kind: .parquet, .jsonl, .ndjson, without regard to case.
-bool IsTableFile(const std::string& path);
+/// The kinds of files that give typed columns.
+enum class TableFileKind { None, Parquet, JsonLines, Sqlite };
 
-/// Opens a Parquet or JSON lines file. `threads` 0: as many as the machine has. Throws DataError, also when this build
-/// or this machine has no engine for it.
-std::unique_ptr<TableSource> OpenTableFile(const std::string& path, int threads);
+/// The kind of a file by its name, without regard to case: .parquet; .jsonl and .ndjson, also with .gz or .zst behind
+/// it; .sqlite, .sqlite3, .db and .db3, and whatever begins as SQLite files do.
+TableFileKind TableFileKindOf(const std::string& path);
+inline bool IsTableFile(const std::string& path) { return TableFileKindOf(path) != TableFileKind::None; }
+
+/// Opens Parquet or JSON lines files that have the same columns, one behind the other, or one SQLite file. `table` is
+/// for the latter, see OpenSqliteTable. `threads` 0: as many as the machine has. Throws DataError, also when this build
+/// or this machine has no engine for it. REQUIRES: at least one path, that of a table file.
+std::unique_ptr<TableSource> OpenTableFiles(const std::vector<std::string>& paths,
+                                            const std::optional<std::string>& table, int threads);
+inline std::unique_ptr<TableSource> OpenTableFile(const std::string& path, int threads) {
+  return OpenTableFiles({path}, std::nullopt, threads);
+}
 
 }  // namespace runtime::data

@@ -18,7 +18,8 @@ struct ReadingManner {
 };
 
 struct ReadingOptions {
-  bool strict = false;  // rows of a wrong length and cells that do not read as their type are errors
+  bool explainTypes = false;  // gather the steps that led to inferred types
+  bool strict = false;        // rows of a wrong length and cells that do not read as their type are errors
   ReadingManner manner;
   std::shared_ptr<ColumnMemory> memory = std::make_shared<ColumnMemory>();
 };

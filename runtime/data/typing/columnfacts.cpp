@@ -75,6 +75,10 @@ void ColumnFacts::Join(const ColumnFacts& next, std::int64_t rowsBefore, std::in
   roundedCells += next.roundedCells;
   if (zeroPaddedCells == 0) firstZeroPadded = next.firstZeroPadded;
   zeroPaddedCells += next.zeroPaddedCells;
+  if (firstFractionRow == 0 && next.firstFractionRow > 0) {
+    firstFractionRow = rowsBefore + next.firstFractionRow;
+    firstFraction = next.firstFraction;
+  }
   longestValue = std::max(longestValue, next.longestValue);
   decimals = std::max(decimals, next.decimals);
   values.Join(next.values);

@@ -81,9 +81,11 @@ struct ColumnFacts {
   std::int64_t roundedCells = 0;           // of type integer: whole numbers beyond 2^53 that are no double
   std::int64_t zeroPaddedCells = 0;        // of type integer or number: written with zeros before the number
   std::string firstZeroPadded;             // the first of them
-  std::size_t longestValue = 0;            // string: bytes without trailing blanks
-  int decimals = 0;                        // numeric: most digits behind the decimal point, the exponent considered
-  ValueFacts values;                       // numeric
+  std::int64_t firstFractionRow = 0;  // inferred number: the row, from 1, of the first cell that is no whole number
+  std::string firstFraction;          // that cell
+  std::size_t longestValue = 0;       // string: bytes without trailing blanks
+  int decimals = 0;                   // numeric: most digits behind the decimal point, the exponent considered
+  ValueFacts values;                  // numeric
 
   /// Takes in the facts of the rows that follow: `rowsBefore` rows and `linesBefore` lines of the file stand before
   /// them.

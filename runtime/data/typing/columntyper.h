@@ -11,6 +11,7 @@
 #include "runtime/data/store/columnardataset.h"
 #include "runtime/data/typing/cellblock.h"
 #include "runtime/data/typing/columnfacts.h"
+#include "runtime/data/typing/typedecision.h"
 
 namespace runtime::data {
 
@@ -29,6 +30,7 @@ struct TypedColumn {
 
 struct TypedTable {
   std::vector<TypedColumn> columns;
+  std::vector<std::vector<TypeStep>> steps;  // of each column, where they are asked for
   std::int64_t rows = 0;
 };
 

@@ -21,11 +21,14 @@ class InferringPiece : public NumericPiece {
 
   void Append(const CellBlock& block, std::size_t column) override {
     if (fGaveUp) return;
-    const auto readInFull = [this](std::string_view text, std::size_t) { return ReadInFull(text); };
+    std::int64_t rowsBefore = block.firstRow;
+    const auto readInFull = [&](std::string_view text, std::size_t row) {
+      return ReadInFull(text, rowsBefore + static_cast<std::int64_t>(row));
+    };
     CellBlock rest = block;
     // Until a cell has decided, each one is looked at in full.
     while (!fSupposition.isDecided() && rest.rows > 0 && !fGaveUp) {
-      const double value = ReadInFull(rest.Text(0, column));
+      const double value = ReadInFull(rest.Text(0, column), rowsBefore++);
       if (fGaveUp) return;
       fValues.AppendDoubles(&value, 1);
       rest.cells += rest.stride;
@@ -54,6 +57,11 @@ class InferringPiece : public NumericPiece {
   }
 
   const TypeSupposition& supposition() const { return fSupposition; }
+  /// Of the first rows, which are read again: the cell for which they are no whole numbers.
+  void HandFractionTo(ColumnFacts& facts) const {
+    facts.firstFractionRow = fFacts.firstFractionRow;
+    facts.firstFraction = fFacts.firstFraction;
+  }
 
  private:
   void Begin() {
@@ -63,8 +71,8 @@ class InferringPiece : public NumericPiece {
     if (fGuess != FieldType::Inferred) Suppose(fGuess);
   }
 
-  /// The value of a cell, NaN when it is system-missing or makes the column a string.
-  double ReadInFull(std::string_view text) {
+  /// The value of a cell, NaN when it is system-missing or makes the column a string. `row` counts from 0.
+  double ReadInFull(std::string_view text, std::int64_t row) {
     NumberReading reading;
     if (fSupposition.isDecided() && !fMissingFirst && ReadAsInferred(fSupposition.type, text, reading)) {
       fFacts.decimals = std::max(fFacts.decimals, reading.decimals);
@@ -88,14 +96,21 @@ class InferringPiece : public NumericPiece {
     if (!fSupposition.isDecided()) {
       const FieldType type = InferredTypeOf(text);
       if (type == FieldType::String) return GiveUp();
+      if (type == FieldType::Number) NoteFraction(text, row);
       Suppose(type);
     }
     if (!ReadAsInferred(fSupposition.type, text, reading)) {
       if (fSupposition.type != FieldType::Integer || !ReadAsInferred(FieldType::Number, text, reading)) return GiveUp();
+      NoteFraction(text, row);
       Suppose(FieldType::Number);
     }
     fFacts.decimals = std::max(fFacts.decimals, reading.decimals);
     return reading.value;
+  }
+
+  void NoteFraction(std::string_view text, std::int64_t row) {
+    fFacts.firstFractionRow = row + 1;
+    fFacts.firstFraction = text;
   }
 
   double GiveUp() {
@@ -146,6 +161,7 @@ void InferredColumn::LookAt(const CellBlock& block, std::size_t column) {
   InferringPiece piece(fMissing, FieldType::Inferred);
   piece.Append(block, column);
   fGuess = piece.supposition().type;
+  piece.HandFractionTo(fFacts);
   if (piece.supposition().isText) fText = std::make_unique<TextColumn>(std::move(fFacts.header), true);
 }
 

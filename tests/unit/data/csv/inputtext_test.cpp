@@ -81,8 +81,10 @@ TEST(InputText, readsTheEncodingThatTheDictionaryNames) {
 }
 
 TEST(InputText, replacesWhatIsNoUtf8AndCountsIt) {
-  const Reading reading = Read("a\nfor\xEAt,\xE2\x82\n\xED\xA0\x80\n");
-  EXPECT_EQ(reading.text, "a\nfor\xEF\xBF\xBDt,\xEF\xBF\xBD\xEF\xBF\xBD\n\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\n");
+  const std::string valid = "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9";
+  const Reading reading = Read("a" + valid + "\nfor\xEAt,\xE2\x82\n\xED\xA0\x80\n");
+  EXPECT_EQ(reading.text,
+            "a" + valid + "\nfor\xEF\xBF\xBDt,\xEF\xBF\xBD\xEF\xBF\xBD\n\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\n");
   ASSERT_EQ(reading.notes.size(), 1U);
   EXPECT_FALSE(reading.notes[0].isError);
   EXPECT_THAT(reading.notes[0].text, HasSubstr("x.csv:2: 6 bytes or characters are not UTF-8"));
@@ -109,7 +111,22 @@ TEST(InputText, refusesWhatIsNoTextTable) {
   std::string bytes = "PK\3\4";
   for (int i = 0; i < 5'000; ++i) bytes += static_cast<char>(random());
   EXPECT_THAT(ErrorOf(folder.Write("x.csv", bytes)), HasSubstr("not a table of text"));
-  EXPECT_THAT(ErrorOf(folder.Write("y.csv", "a\0,\0b\0\n\0c\0,\0d\0\n\0"sv)), HasSubstr("not a table of text"));
+  EXPECT_THAT(ErrorOf(folder.Write("y.csv", "a\0,\0b\0\n\0c,d\n"sv)), HasSubstr("not a table of text"));
+}
+
+TEST(InputText, readsWideTextWithoutAMarkAndTellsSo) {
+  const Reading reading = Read("a\0,\0b\0\n\0c\0,\0\xE9\0\n\0"sv);
+  EXPECT_EQ(reading.text, "a,b\nc,\xC3\xA9\n");
+  ASSERT_EQ(reading.notes.size(), 1U);
+  EXPECT_THAT(reading.notes[0].text, HasSubstr("read as UTF-16LE"));
+}
+
+TEST(InputText, readsTextThatIsNoUtf8AsWhatItsBytesSuggestAndTellsSo) {
+  const Reading reading = Read("a\nfor\xEAt\n");
+  EXPECT_EQ(reading.text, "a\nfor\xC3\xAAt\n");
+  ASSERT_EQ(reading.notes.size(), 1U);
+  EXPECT_THAT(reading.notes[0].text, HasSubstr("x.csv: it is not UTF-8 and was read as windows-1252, by its 1 byte"));
+  EXPECT_THAT(Read("a\nfor\xEAt\n", "utf-8").text, HasSubstr("\xEF\xBF\xBD")) << "what is said holds";
 }
 
 TEST(InputText, readsWideTextThatTheDictionaryNames) { EXPECT_EQ(Read("a\0,\0b\0\n\0"sv, "UTF-16LE").text, "a,b\n"); }
