@@ -45,16 +45,18 @@ void TellChangedHeaders(const std::vector<std::string>& headers, const std::vect
   }
   if (empty.count() > 0)
     notes.push_back(
-        {false, fmt::format("{}: {} no header and got a name from its place: {}; name them in the file", where,
-                            empty.count() == 1 ? "1 column has" : fmt::format("{} columns have", empty.count()),
-                            empty.text())});
+        {false,
+         fmt::format("{}: {} no header and got a name from its place: {}; name them in the file", where,
+                     empty.count() == 1 ? "1 column has" : fmt::format("{} columns have", empty.count()), empty.text()),
+         NoteTopic::Names});
   if (repeated.count() > 0)
     notes.push_back(
         {false,
          fmt::format("{}: {} the header of an earlier column and got a number: {}; name each "
                      "column once in the file",
                      where, repeated.count() == 1 ? "1 column has" : fmt::format("{} columns have", repeated.count()),
-                     repeated.text())});
+                     repeated.text()),
+         NoteTopic::Names});
 }
 
 }  // namespace runtime::data

@@ -1,13 +1,16 @@
 #include <algorithm>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include "runtime/data/dictionary/assemble.h"
+#include "runtime/data/dictionary/variablenames.h"
 #include "runtime/data/foldedname.h"
 
 namespace runtime::data {
@@ -21,7 +24,7 @@ class Misfits {
   Misfits(bool strict, std::vector<Note>& notes) : fStrict(strict), fNotes(notes) {}
   void Tell(std::string text) {
     if (fStrict) throw DataError(text);
-    fNotes.push_back({false, std::move(text)});
+    fNotes.push_back({false, std::move(text), NoteTopic::Fields});
   }
   /// One of many of a kind; `count` counts them.
   void TellOneOfMany(std::size_t& count, std::string text) {
@@ -83,6 +86,24 @@ class Matching {
       if (found == columnsOfName.end() || found->second.empty()) continue;
       Pair(field, found->second.back());
       found->second.pop_back();
+    }
+  }
+
+  /// A column whose header is empty or stands twice meets the field of the name that its variable gets.
+  void ByMadeName() {
+    std::unordered_set<std::string> seen;
+    std::vector<std::size_t> nameless;
+    for (std::size_t column = 0; column < headers.size(); ++column)
+      if ((headers[column].empty() || !seen.insert(FoldName(headers[column])).second) && fieldOf[column] == nullptr)
+        nameless.push_back(column);
+    if (nameless.empty()) return;
+    const std::vector<std::string> made = MakeVariableNames(headers);
+    std::unordered_map<std::string_view, std::size_t> columnOfName;
+    for (const std::size_t column : nameless) columnOfName.emplace(made[column], column);
+    for (std::size_t field = 0; field < fields.size(); ++field) {
+      const auto found = columnOfName.find(fields[field].name);
+      if (!HasColumn(field) && found != columnOfName.end() && fieldOf[found->second] == nullptr)
+        Pair(field, found->second);
     }
   }
 
@@ -148,6 +169,7 @@ std::vector<const FieldDescriptor*> MatchFields(const TableDescriptor& descripto
     matching.ByName([](const std::string& name) -> const std::string& { return name; });
     if (!descriptor.dialect.caseSensitiveHeader.value_or(true))
       matching.ByName([](const std::string& name) { return FoldName(name); });
+    matching.ByMadeName();
     if (match == FieldsMatch::Exact) MatchExactly(matching, descriptor.origin, misfits);
   }
   const std::string rule =

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 
@@ -11,6 +12,8 @@
 
 namespace runtime::data {
 namespace {
+
+constexpr std::string_view kDraft = "draft";
 
 void ReadFieldsMatch(const JsonPlace& schema, TableDescriptor& table, Deviations& deviations) {
   static const std::unordered_map<std::string, FieldsMatch> kWords = {{"exact", FieldsMatch::Exact},
@@ -83,6 +86,7 @@ void NoteUnknownMembers(const JsonPlace& codebook, const std::vector<std::string
   for (const auto& [name, member] : codebook.Members()) {
     if (std::find(known.begin(), known.end(), name) != known.end()) continue;
     extras.push_back({"codebook." + name, member.Written()});
+    if (name == kDraft) continue;  // for people, and for who converts the dictionary
     notes.push_back({false, fmt::format("{}: this property is not known and not used; known here: {}", member.Where(),
                                         fmt::join(known, ", "))});
   }

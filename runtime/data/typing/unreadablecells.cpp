@@ -29,10 +29,12 @@ void ReportUnreadableCells(const std::string& source, const std::vector<const Co
   if (strict && first) throw DataError(DescribeUnreadable(source, *first));
   for (const ColumnFacts* column : columns) {
     if (column->unreadableCells == 1)
-      notes.push_back({false, DescribeUnreadable(source, *column) + "; the cell is system-missing"});
+      notes.push_back({false, DescribeUnreadable(source, *column) + "; the cell is system-missing", NoteTopic::Cells});
     if (column->unreadableCells > 1)
-      notes.push_back({false, fmt::format("{}; it is one of {} such cells of the column, all system-missing",
-                                          DescribeUnreadable(source, *column), column->unreadableCells)});
+      notes.push_back({false,
+                       fmt::format("{}; it is one of {} such cells of the column, all system-missing",
+                                   DescribeUnreadable(source, *column), column->unreadableCells),
+                       NoteTopic::Cells});
     if (column->zeroPaddedCells > 0)
       notes.push_back(
           {false, fmt::format("{}: column {}: {} written with leading zeros, such as {}, which a number does "
