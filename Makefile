@@ -11,7 +11,7 @@ build = cmake --preset $(1) $(2) --log-level=WARNING >/dev/null && cmake --build
 # $(call run_tests,PRESET): last in a target, so that its closing lines are ctest's summary.
 run_tests = ctest --test-dir build/$(1) --output-on-failure --no-tests=error -j $(JOBS)
 
-.PHONY: help build messages demo examples test test-asan test-tsan test-browser coverage format check-format lint-page tidy bench bench-scaling clean
+.PHONY: help build messages demo examples test test-asan test-tsan test-browser test-dictionaries coverage format check-format lint-page tidy bench bench-scaling clean
 
 help:  ## show this list
 	@sed -n 's/^\([a-z-]*\):.*## /  make \1|/p' Makefile | column -t -s '|'
@@ -46,6 +46,11 @@ test-tsan:  ## the tests under the thread sanitizer
 	@scripts/setup build test
 	@$(call build,tsan,)
 	@$(call run_tests,tsan)
+
+test-dictionaries:  ## 1,000 random dictionaries written, validated and read again
+	@scripts/setup build test
+	@$(call build,dev,)
+	@CODEBOOK_RANDOM_DESCRIPTORS=1000 ctest --test-dir build/dev --output-on-failure --no-tests=error -R '^dictionaries[.]'
 
 test-browser:  ## the HTML report in Chromium; pages and pictures are kept in build/browser (FILES="tests/browser/page.test.mjs")
 	@scripts/setup build test browser

@@ -5,12 +5,16 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <set>
 #include <string>
+#include <utility>
 
 #include <malloc.h>
 
 #include "host/common/check.h"
 
+#include "app/commands/command.h"
+#include "app/ddireport.h"
 #include "app/exitstatus.h"
 #include "app/interrupt.h"
 #include "app/memorysize.h"
@@ -21,7 +25,9 @@
 #include "app/reportsink.h"
 #include "app/terminal.h"
 #include "app/timings.h"
+#include "app/typelisting.h"
 #include "runtime/common/session.h"
+#include "runtime/data/dictionary/writing/writeddi.h"
 #include "runtime/data/open.h"
 #include "runtime/machine/spillfile.h"
 #include "runtime/output/language/catalog.h"
@@ -86,7 +92,35 @@ void WriteReport(const app::Options& options, const app::WriteReport& write) {
   app::WriteReportTo(options.outputFile, write);
 }
 
+/// Instead of a report: what is known of the columns' types.
+void WriteTypes(const app::Options& options, const runtime::data::OpenedDataset& opened) {
+  app::WriteReportTo(options.outputFile, [&](std::ostream& out) {
+    out << (options.typeListing == app::TypeListing::Json ? app::TypesAsJson(opened.types)
+                                                          : app::TypesAsText(opened.types, localeIsUtf8));
+  });
+  for (const runtime::data::Note& note : opened.notes) Say((note.isError ? "error: " : "warning: ") + note.text);
+}
+
+/// Of the variables that the commands name; of all when there is no command.
+runtime::data::DdiStatistics DdiStatisticsOf(const app::Options& options, const runtime::data::OpenedDataset& opened,
+                                             const Report& report, const app::Module& module,
+                                             runtime::common::SessionOptions sessionOptions) {
+  sessionOptions.catalog = nullptr;
+  sessionOptions.sketches = true;
+  const auto run = [&](const std::shared_ptr<const runtime::data::Dataset>& dataset, const std::string& command) {
+    runtime::common::Session session(dataset, {{"CODEBOOK", module.Procedure("CODEBOOK")}}, sessionOptions);
+    session.Run(command);
+    return std::make_unique<Report>(std::move(session.report()));
+  };
+  const runtime::data::Dictionary& dictionary = opened.dataset->dictionary();
+  std::set<std::string> variables = app::VariablesWithTables(report, dictionary);
+  if (!options.commandText && !options.commandFile)
+    for (const auto& variable : dictionary.variables) variables.insert(variable->name);
+  return app::GatherDdiStatistics(opened.dataset, variables, run);
+}
+
 int Run(int argc, char** argv) {
+  if (const app::Command* command = app::FindCommand(argc, argv)) return command->run(argc - 1, argv + 1, Say);
   app::Options options = app::ReadOptions(argc, argv);
   if (options.quiet) app::InterruptQuietly();
   if (!options.outputFile && app::StandardOutputIsTerminal()) app::CheckThatTerminalsShow(options.format);
@@ -103,7 +137,15 @@ int Run(int argc, char** argv) {
   const app::Module module(app::BesideProgram("codebook.so"));
   options.data.pool = std::make_shared<runtime::machine::ThreadPool>(options.threads);
   options.data.onProgress = bar.Listener();
+  const bool toDdi = options.format == app::kDdiFormat;
+  options.data.describe = toDdi;
   const runtime::data::OpenedDataset opened = runtime::data::OpenDataset(options.data);
+  if (options.typeListing != app::TypeListing::None) {
+    bar.End();
+    WriteTypes(options, opened);
+    SayTimings(options.timing, timings);
+    return app::kDone;
+  }
   // What reading needed is scattered over the heap; the counting had better not come on top of it.
   malloc_trim(0);
 
@@ -113,7 +155,7 @@ int Run(int argc, char** argv) {
   sessionOptions.catalog = catalog;
   sessionOptions.percentileMemory =
       options.percentileMemory > 0 ? options.percentileMemory : app::MemoryForPercentiles(opened.columnBytes);
-  sessionOptions.sketches = runtime::output::FindReportFormat(options.format)->wantsSketches;
+  sessionOptions.sketches = !toDdi && runtime::output::FindReportFormat(options.format)->wantsSketches;
   sessionOptions.onProgress = bar.Listener();
   sessionOptions.onPassBegins = [&stages] { stages.Begin(app::Stage::Pass, "counting"); };
   sessionOptions.onResultsBegin = [&stages] { stages.Begin(app::Stage::Percentiles, "percentiles"); };
@@ -121,13 +163,21 @@ int Run(int argc, char** argv) {
   runtime::common::Session session(opened.dataset, {{"CODEBOOK", module.Procedure("CODEBOOK")}}, sessionOptions);
   AddNotes(opened.notes, session.report());
   const bool allDone = session.Run(commands);
+  const runtime::data::DdiStatistics statistics =
+      toDdi ? DdiStatisticsOf(options, opened, session.report(), module, sessionOptions)
+            : runtime::data::DdiStatistics();
 
   stages.Begin(app::Stage::Write, "writing");
-  const auto renderer = runtime::output::FindReportFormat(options.format)->newRenderer(rendering);
+  const auto renderer = toDdi ? nullptr : runtime::output::FindReportFormat(options.format)->newRenderer(rendering);
   // The report may go to the same terminal, through whatever stands between.
   bar.End();
   try {
-    WriteReport(options, [&](std::ostream& out) { renderer->Render(session.report(), out); });
+    WriteReport(options, [&](std::ostream& out) {
+      if (toDdi)
+        runtime::data::WriteDdi(*opened.description, &statistics, out);
+      else
+        renderer->Render(session.report(), out);
+    });
   } catch (...) {
     SayMessages(session.report());
     throw;

@@ -15,10 +15,10 @@
 
 #include <fmt/format.h>
 
+#include "app/ddireport.h"
 #include "app/memorysize.h"
 #include "runtime/machine/threadpool.h"
 #include "runtime/output/language/catalog.h"
-#include "runtime/output/render/jsonschema.h"
 #include "runtime/output/render/renderer.h"
 
 namespace app {
@@ -40,7 +40,13 @@ constexpr const char* kFooter =
     "  codebook survey.csv -c 'CODEBOOK age sex $media /STATISTICS COUNT PERCENT MEAN.'\n"
     "  codebook datapackage.json --resource persons -F json -o persons.json\n"
     "  zcat survey.csv.gz | codebook - -d survey.schema.json --weight wgt\n"
-    "  codebook schema    (prints the JSON Schema of -F json and -F jsonl; a data file of that name is ./schema)\n"
+    "\n"
+    "Commands that stand in the place of DATA (a data file of such a name is ./NAME):\n"
+    "  codebook check DATA      lists what does not fit between data and dictionary; codebook check --help\n"
+    "  codebook convert IN OUT  writes a dictionary in another standard; codebook convert --help\n"
+    "  codebook diff OLD NEW    tells what differs between two waves; codebook diff --help\n"
+    "  codebook draft DATA      writes a Table Schema to start from; codebook draft --help\n"
+    "  codebook schema          prints the JSON Schema of -F json and -F jsonl\n"
     "\n"
     "Exit status: 0 done, 1 a command stopped with an error, 2 wrong use of the command line, 3 data or dictionary\n"
     "could not be read, 4 output or a temporary file could not be written, 70 an internal check failed, 130 "
@@ -48,32 +54,30 @@ constexpr const char* kFooter =
 
 constexpr const char* kEnglish = "en";
 
-/// In the place of DATA: not a file, but the wish to see the schema of the JSON report.
-constexpr const char* kSchemaWord = "schema";
-
 /// The endings that name a format, for who has written another one.
 std::string FormatEndings() {
   std::string endings;
   for (const runtime::output::ReportFormat& format : runtime::output::ReportFormats())
-    endings += (endings.empty() ? "" : ", ") + std::string(format.ending);
-  return endings;
+    endings += std::string(format.ending) + ", ";
+  return endings + ".xml";
 }
 
 std::string FormatNames() {
   std::string names;
   for (const runtime::output::ReportFormat& format : runtime::output::ReportFormats())
-    names += (names.empty() ? "" : ", ") + std::string(format.name);
-  return names;
+    names += std::string(format.name) + ", ";
+  return names + kDdiFormat;
 }
 
 /// -F, or what the output file's ending says, or text.
 std::string ChooseFormat(const std::string& asked, const std::optional<std::string>& outputFile) {
   if (!asked.empty()) {
-    if (runtime::output::FindReportFormat(asked) == nullptr)
+    if (asked != kDdiFormat && runtime::output::FindReportFormat(asked) == nullptr)
       throw UsageError(fmt::format("There is no format \"{}\". Formats: {}.", asked, FormatNames()));
     return asked;
   }
   if (!outputFile) return std::string(runtime::output::ReportFormats().front().name);
+  if (std::filesystem::path(*outputFile).extension() == ".xml") return kDdiFormat;
   const runtime::output::ReportFormat* format = runtime::output::ReportFormatOfFile(*outputFile);
   if (format == nullptr)
     throw UsageError(fmt::format("The ending of \"{}\" names no format ({} do). Say which with -F: {}.", *outputFile,
@@ -105,8 +109,9 @@ void Check(const Options& options) {
   if (options.data.path == "-" && options.commandFile == "-")
     throw UsageError("Data and command cannot both come from standard input. Give the command with -c or in a file.");
   if (!options.outputFile) return;
-  for (const std::optional<std::string>& input :
-       {std::optional(options.data.path), options.data.dictionary, options.commandFile})
+  std::vector<std::optional<std::string>> inputs = {options.data.path, options.data.dictionary, options.commandFile};
+  inputs.insert(inputs.end(), options.data.furtherPaths.begin(), options.data.furtherPaths.end());
+  for (const std::optional<std::string>& input : inputs)
     if (input && *input != "-" && SameFile(*options.outputFile, *input))
       throw UsageError(
           fmt::format("The output would overwrite \"{}\", which is read. Name another file with -o.", *input));
@@ -164,6 +169,14 @@ TimingForm ReadTimingForm(const std::string& text) {
   throw UsageError(fmt::format("--timing: there is no form \"{}\"; say --timing or --timing=json.", text));
 }
 
+TypeListing ReadTypeListing(const std::string& text) {
+  if (text.empty()) return TypeListing::None;
+  if (text == kFlagAlone) return TypeListing::Text;
+  if (text == "json") return TypeListing::Json;
+  throw UsageError(
+      fmt::format("--explain-types: there is no form \"{}\"; say --explain-types or --explain-types=json.", text));
+}
+
 std::string ReadAll(std::istream& in) { return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()}; }
 
 }  // namespace
@@ -180,6 +193,8 @@ Options ReadOptions(int argc, const char* const* argv) {
   std::string schemas;
   std::string memoryLimit;
   std::string timing;
+  std::string typeListing;
+  bool noInference = false;
   int width = 0;
 
   CheckThatWeightIsNamed(argc, argv);
@@ -187,10 +202,14 @@ Options ReadOptions(int argc, const char* const* argv) {
   CLI::App cli(kDescription, "codebook");
   cli.footer(kFooter);
   cli.set_version_flag("--version", "codebook " CODEBOOK_VERSION);
+  std::vector<std::string> dataPaths;
   CLI::Option* const dataOption =
-      cli.add_option("DATA", options.data.path,
-                     "a file (CSV, TSV, Parquet, JSON lines), a datapackage.json, or - for standard input")
+      cli.add_option("DATA", dataPaths,
+                     "a file (CSV, TSV, Parquet, JSON lines, SQLite; text also as .gz or .zst), several of one table\n"
+                     "or a pattern of them ('part-*.csv'), a datapackage.json, or - for standard input")
           ->type_name("");
+  std::string table;
+  cli.add_option("--table", table, "the table of a SQLite file that holds several")->type_name("NAME");
   cli.add_option("-d,--dictionary", dictionary,
                  "the dictionary: datapackage.json or a Table Schema (else looked for beside the data)")
       ->type_name("FILE");
@@ -210,6 +229,10 @@ Options ReadOptions(int argc, const char* const* argv) {
           ->type_name("NAME")
           ->expected(0, 1);
   cli.add_flag("--strict", options.data.strict, "what does not fit the dictionary is an error");
+  cli.add_flag("--no-inference", noInference, "columns whose type the dictionary does not say are text");
+  cli.add_flag("--explain-types", typeListing,
+               "instead of a report, list each column's type and the cells that decided it;\n"
+               "--explain-types=json: as JSON");
   cli.add_option("--threads", options.threads, "threads to use at most (else as many as the machine gives)")
       ->check(CLI::Range(1, 1024));
   const CLI::Option* widthOption =
@@ -245,18 +268,15 @@ Options ReadOptions(int argc, const char* const* argv) {
   }
 
   // Not left to the library, which would tell of a missing DATA before an option that it does not know.
+  if (!dataPaths.empty()) options.data.path = dataPaths.front();
   if (options.data.path.empty())
     throw UsageError("Name the data: codebook DATA. Run codebook --help for what it takes.");
-  if (options.data.path == kSchemaWord) {
-    if (argc > 2)
-      throw UsageError("codebook schema prints the JSON Schema of the report and takes no options. A data file of that "
-                       "name is ./schema.");
-    throw TextWanted{std::string(runtime::output::JsonReportSchema())};
-  }
 
   const auto given = [](const std::string& text) {
     return text.empty() ? std::nullopt : std::optional<std::string>(text);
   };
+  options.data.furtherPaths.assign(dataPaths.begin() + 1, dataPaths.end());
+  options.data.table = given(table);
   options.data.dictionary = given(dictionary);
   options.data.resource = given(resource);
   options.data.schemas = given(schemas);
@@ -269,6 +289,9 @@ Options ReadOptions(int argc, const char* const* argv) {
   CheckLanguage(options.language);
   options.pager = !noPager;
   options.timing = ReadTimingForm(timing);
+  options.typeListing = ReadTypeListing(typeListing);
+  options.data.inference = !noInference;
+  options.data.explainTypes = options.typeListing != TypeListing::None;
   if (segmentBytes > 0) options.data.segmentBytes = segmentBytes;
   options.format = ChooseFormat(format, options.outputFile);
   Check(options);

@@ -2,16 +2,19 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <filesystem>
 #include <set>
-#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "runtime/data/checking/readingfacts.h"
+#include "runtime/data/checking/setmembers.h"
 #include "runtime/data/csv/readcsv.h"
 #include "runtime/data/dictionary/assemble.h"
+#include "runtime/data/dictionary/embeddeddictionary.h"
 #include "runtime/data/dictionary/readdictionary.h"
+#include "runtime/data/dictionary/writing/describe.h"
+#include "runtime/data/inputfiles.h"
 #include "runtime/data/source/tablesource.h"
 #include "runtime/data/store/columnardataset.h"
 #include "runtime/data/typing/quotedcell.h"
@@ -29,22 +32,19 @@ struct Input {
   std::optional<TableDescriptor> descriptor;
 };
 
-/// Before the dictionary is looked for, so that a mistyped path is told as such.
-void CheckThatDataIsThere(const std::string& path) {
-  if (path == kStandardInput) return;
-  std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(path, error);
-  if (status.type() == std::filesystem::file_type::directory)
-    throw DataError(fmt::format("{}: this is a directory; name a data file or a datapackage.json in it", path));
-  if (status.type() != std::filesystem::file_type::not_found) return;
-  if (path.find("://") != std::string::npos)
-    throw DataError(fmt::format("{}: connections to databases are not read yet; give a file", path));
-  throw DataError(fmt::format("{}: there is no such file", path));
+/// What lies beside the files, if it is one for all of them.
+std::optional<std::string> FindDictionaryOfAll(const std::vector<std::string>& dataPaths) {
+  const std::optional<std::string> dictionary = FindDictionary(dataPaths.front());
+  for (std::size_t i = 1; dictionary && i < dataPaths.size(); ++i)
+    if (FindDictionary(dataPaths[i]) != dictionary) return std::nullopt;
+  return dictionary;
 }
 
 Input FindInput(const OpenOptions& options, std::vector<Note>& notes) {
-  CheckThatDataIsThere(options.path);
   Input input;
+  std::vector<std::string> paths = {options.path};
+  paths.insert(paths.end(), options.furtherPaths.begin(), options.furtherPaths.end());
+  input.dataPaths = FindDataFiles(paths);
   if (options.path != kStandardInput && NamesDataPackage(options.path)) {
     if (options.dictionary)
       throw DataError(
@@ -56,11 +56,12 @@ Input FindInput(const OpenOptions& options, std::vector<Note>& notes) {
     return input;
   }
 
-  input.dataPaths = {options.path};
+  const std::string& first = input.dataPaths.front();
   std::optional<std::string> dictionary = options.dictionary;
-  if (!dictionary && options.path != kStandardInput) dictionary = FindDictionary(options.path);
+  if (!dictionary && options.dictionaryBeside && first != kStandardInput)
+    dictionary = FindDictionaryOfAll(input.dataPaths);
   if (dictionary)
-    input.descriptor = ReadDictionary({*dictionary, options.resource, options.path, options.schemas}, notes);
+    input.descriptor = ReadDictionary({*dictionary, options.resource, first, options.schemas}, notes);
   else if (options.resource)
     throw DataError(fmt::format("{}: there is no data package with a resource {}; leave out --resource or give -d",
                                 options.path, QuotedCell(*options.resource)));
@@ -97,6 +98,39 @@ void MakeNullsMissing(TableDescriptor& descriptor) {
   for (FieldDescriptor& field : descriptor.fields) AddEmptyText(field.missingValues);
 }
 
+void InferNothing(std::vector<ColumnPlan>& plans) {
+  for (ColumnPlan& plan : plans)
+    if (plan.dialect.type == FieldType::Inferred) plan.dialect.type = FieldType::String;
+}
+
+std::vector<TypeDecision> TypeDecisions(TypedTable& table, const std::vector<const FieldDescriptor*>& fields,
+                                        bool fileHasTypes) {
+  std::vector<TypeDecision> decisions;
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    const ColumnFacts& facts = table.columns[i].facts;
+    TypeDecision& decision = decisions.emplace_back();
+    decision.header = facts.header;
+    decision.type = facts.type;
+    decision.rows = facts.rows;
+    decision.blankCells = facts.blankCells;
+    if (fields[i] != nullptr && fields[i]->dialect.type != FieldType::Inferred)
+      decision.origin = TypeOrigin::Dictionary;
+    else if (fileHasTypes)
+      decision.origin = TypeOrigin::DataFile;
+    else if (!facts.inferred)
+      decision.origin = TypeOrigin::Asked;
+    if (decision.origin == TypeOrigin::Cells) decision.steps = std::move(table.steps[i]);
+  }
+  return decisions;
+}
+
+const TableDescriptor* Prepared(TableDescriptor& descriptor, const OpenOptions& options) {
+  // The weight that is asked for stands instead of the dictionary's, which may then be as wrong as it likes.
+  if (options.weight) descriptor.weight.reset();
+  MakeNullsMissing(descriptor);
+  return &descriptor;
+}
+
 /// Columns of JSON texts stay texts, unless a field says otherwise.
 void KeepTextColumns(const InlineTable& data, const std::vector<std::string>& headers, std::vector<ColumnPlan>& plans) {
   for (std::size_t column = 0; column < plans.size(); ++column)
@@ -105,28 +139,40 @@ void KeepTextColumns(const InlineTable& data, const std::vector<std::string>& he
       plans[column].dialect.type = FieldType::String;
 }
 
+std::shared_ptr<const ReadingFacts> FactsOfReading(const TableDescriptor* descriptor,
+                                                   const std::vector<DescribedColumn>& columns) {
+  auto facts = std::make_shared<ReadingFacts>();
+  for (const DescribedColumn& column : columns) {
+    facts->columns.push_back(*column.facts);
+    facts->fieldOfColumn.push_back(
+        column.field == nullptr ? -1 : static_cast<int>(column.field - descriptor->fields.data()));
+  }
+  if (descriptor != nullptr) facts->dictionary = *descriptor;
+  return facts;
+}
+
 }  // namespace
 
 OpenedDataset OpenDataset(const OpenOptions& options) {
   OpenedDataset opened;
   std::vector<Note>& notes = opened.notes;
   Input input = FindInput(options, notes);
-  // The weight that is asked for stands instead of the dictionary's, which may then be as wrong as it likes.
-  if (options.weight && input.descriptor) input.descriptor->weight.reset();
-  if (input.descriptor) MakeNullsMissing(*input.descriptor);
-  const TableDescriptor* descriptor = input.descriptor ? &*input.descriptor : nullptr;
+  const TableDescriptor* descriptor = input.descriptor ? Prepared(*input.descriptor, options) : nullptr;
   const std::string& dataPath = input.dataPaths.front();
 
+  const bool fileHasTypes = !(descriptor != nullptr && descriptor->inlineData) && IsTableFile(dataPath);
   std::vector<const FieldDescriptor*> fields;
   const PlanColumns plan = [&](const std::vector<std::string>& headers, std::vector<Note>& notesOfPlan) {
     fields.assign(headers.size(), nullptr);
     if (descriptor != nullptr) fields = MatchFields(*descriptor, headers, options.strict, notesOfPlan);
     std::vector<ColumnPlan> plans = PlanFor(descriptor, fields);
     if (descriptor != nullptr && descriptor->inlineData) KeepTextColumns(*descriptor->inlineData, headers, plans);
+    if (!options.inference && !fileHasTypes) InferNothing(plans);
     return plans;
   };
 
   ReadingOptions reading;
+  reading.explainTypes = options.explainTypes;
   reading.strict = options.strict;
   reading.manner = {options.pool.get(), options.segmentBytes, options.onProgress};
   if (options.columnMemory > 0) reading.memory->left = options.columnMemory;
@@ -136,24 +182,37 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
     std::vector<CsvInput> inputs;
     inputs.push_back({dataPath, std::move(data.csv)});
     table = ReadCsvInputs(std::move(inputs), data.dialect, plan, reading, notes);
-  } else if (IsTableFile(dataPath)) {
-    if (input.dataPaths.size() > 1)
-      throw DataError(fmt::format("{}: a resource of several files is read from CSV only", dataPath));
-    const auto source = OpenTableFile(dataPath, options.pool ? options.pool->threads() : 1);
+  } else if (fileHasTypes) {
+    const auto source = OpenTableFiles(input.dataPaths, options.table, options.pool ? options.pool->threads() : 1);
+    if (descriptor == nullptr && options.dictionaryBeside) {
+      input.descriptor = ReadEmbeddedDictionary(dataPath, source->metadata(), options, notes);
+      if (input.descriptor) descriptor = Prepared(*input.descriptor, options);
+    }
     std::vector<std::string> names;
     for (const SourceColumn& column : source->columns()) names.push_back(column.name);
     table = ReadSource(*source, plan(names, notes), dataPath, reading, notes);
   } else {
+    if (options.table) throw DataError(fmt::format("{}: only SQLite files hold tables; leave out --table", dataPath));
     const TextDialect dialect = descriptor ? descriptor->dialect : TextDialect{};
     table = ReadCsv(input.dataPaths, dialect, plan, reading, notes);
   }
 
+  if (options.explainTypes) opened.types = TypeDecisions(table, fields, fileHasTypes);
   std::vector<DescribedColumn> described;
   for (std::size_t i = 0; i < table.columns.size(); ++i) described.push_back({&table.columns[i].facts, fields[i]});
   std::optional<std::string> fileOfData;
   if (dataPath != kStandardInput) fileOfData = dataPath;
+  if (options.forChecking) {
+    opened.reading = FactsOfReading(descriptor, described);
+    if (input.descriptor) input.descriptor->sets = SetsOfKnownMembers(*opened.reading);
+  }
   Dictionary dictionary = AssembleDictionary(descriptor, described, fileOfData, notes);
   if (options.weight) OverrideWeight(dictionary, *options.weight);
+  if (options.describe) {
+    TableDescriptor description = Describe(dictionary, described, descriptor);
+    if (description.dataPaths.empty() && fileOfData) description.dataPaths = {*fileOfData};
+    opened.description = std::make_shared<const TableDescriptor>(std::move(description));
+  }
 
   std::vector<StoredColumn> columns;
   columns.reserve(table.columns.size());

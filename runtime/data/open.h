@@ -10,10 +10,14 @@
 #include <vector>
 
 #include "runtime/data/dataset.h"
+#include "runtime/data/typing/typedecision.h"
 #include "runtime/machine/progress.h"
 #include "runtime/machine/threadpool.h"
 
 namespace runtime::data {
+
+struct ReadingFacts;
+struct TableDescriptor;
 
 /// The data or the dictionary cannot be read: what, where (file, line, column, variable) and what to do, in what().
 class DataError : public std::runtime_error {
@@ -21,18 +25,33 @@ class DataError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// What a note is about, for who tells it in another way.
+enum class NoteTopic {
+  Other,
+  Fields,  // fields without a column, columns without a field
+  Names,   // headers that are empty or stand twice
+  Cells    // cells that do not read as their type
+};
+
 /// Something that reading the data or the dictionary had to say, without stopping.
 struct Note {
   bool isError = false;  // else a warning
   std::string text;
+  NoteTopic topic = NoteTopic::Other;
 };
 
 struct OpenOptions {
-  std::string path;                       // a data file, a datapackage.json, or "-" for standard input
+  /// A data file, a pattern of such (* ? [...]) unless a file has that very name, a datapackage.json, or "-" for
+  /// standard input.
+  std::string path;
+  std::vector<std::string> furtherPaths;  // data files or patterns of them, read behind the first as one table with it
+  std::optional<std::string> table;       // of a SQLite file that holds several
   std::optional<std::string> dictionary;  // names the dictionary; otherwise it is looked for beside the data
   std::optional<std::string> resource;    // of a data package that holds several
   std::optional<std::string> schemas;     // a folder with copies of schemas that a package names by address
   std::optional<std::string> weight;      // overrides the dictionary's weight variable; empty: unweighted
+  bool inference = true;                  // else a column whose type nothing says is text
+  bool explainTypes = false;              // gather the decisions about types
   bool strict = false;                    // what does not fit the dictionary is an error
   std::int64_t chunkRows = 0;             // rows that a cursor hands out at once; 0: a whole block
   /// Threads that read; null: the calling one alone. Shared with the dataset.
@@ -41,12 +60,20 @@ struct OpenOptions {
   std::int64_t columnMemory = 0;
   machine::ProgressListener onProgress;  // of reading
   std::size_t segmentBytes = 0;          // of text that is read at a time; 0: chosen; changes no result
+  bool describe = false;                 // give a description of the dataset, too
+  bool dictionaryBeside = true;          // look for a dictionary beside the data when none is named
+  /// Give the facts of reading, and leave out members of sets that the data do not have instead of stopping there.
+  bool forChecking = false;
 };
 
 struct OpenedDataset {
   std::shared_ptr<const Dataset> dataset;
-  std::vector<Note> notes;       // in the order in which they arose
-  std::int64_t columnBytes = 0;  // of the cells of all columns as they are stored
+  std::vector<Note> notes;          // in the order in which they arose
+  std::vector<TypeDecision> types;  // of each column of the data, where they are asked for
+  std::int64_t columnBytes = 0;     // of the cells of all columns as they are stored
+  /// The dictionary of the dataset as a dictionary file would say it, see Describe; null unless it was asked for.
+  std::shared_ptr<const TableDescriptor> description;
+  std::shared_ptr<const ReadingFacts> reading;  // null unless it was opened for checking
 };
 
 /// Throws DataError.

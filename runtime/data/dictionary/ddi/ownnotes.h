@@ -9,8 +9,8 @@
 
 namespace runtime::data {
 
-/// The notes right below a `stdyDscr`: of table, resource and package, and which elements were made up. A note that is no
-/// JSON is told in `oddities` and passed over.
+/// The notes right below a `stdyDscr`: of table, resource and package, and which elements were made up. A note that is
+/// no JSON is told in `oddities` and passed over.
 void ReadNotesOfStudy(pugi::xml_node study, const XmlDocument& document, DdiNotes& notes, RepeatedNotes& oddities);
 
 /// Those right below a `var`.

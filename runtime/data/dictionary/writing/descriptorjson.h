@@ -19,9 +19,9 @@ Json FieldJson(const FieldDescriptor& field, const std::vector<LabelledValue>* m
 /// profile. What is said of a resource or a package has no place in it.
 Json SchemaJson(const TableDescriptor& table);
 
-/// A package of one resource with its schema. Title and description stand with the resource. A resource must have a name
-/// and a place of its data: `data`, where the descriptor's extras give neither `path` nor `data`, is that place, a path
-/// below the package's folder; its last part without ending becomes a name that is missing.
+/// A package of one resource with its schema. Title and description stand with the resource. A resource must have a
+/// name and a place of its data: `data`, where the descriptor's extras give neither `path` nor `data`, is that place, a
+/// path below the package's folder; its last part without ending becomes a name that is missing.
 Json PackageJson(const TableDescriptor& table, const std::string& data);
 
 }  // namespace runtime::data

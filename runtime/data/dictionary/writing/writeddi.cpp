@@ -59,14 +59,23 @@ void AddNotes(const DdiNotes& notes, XmlElement& codeBook) {
     AddNotes(notes.fields[i], nullptr, *variables[i]);
 }
 
+void CountSubjects(const DdiNoteList& notes, WrittenFacts& facts) {
+  for (auto note = notes.properties.begin(); note != notes.properties.end(); ++note) ++facts.extensions[note.key()];
+}
+
 }  // namespace
 
-void WriteDdi(const TableDescriptor& table, const DdiStatistics* statistics, std::ostream& out) {
+WrittenFacts WriteDdi(const TableDescriptor& table, const DdiStatistics* statistics, std::ostream& out) {
   const std::unique_ptr<XmlElement> codeBook = BuildDdi(table, statistics);
   std::ostringstream text;
   Serialize(*codeBook, text);
-  AddNotes(FindDdiNotes(ReadDdiElements(text.str()), table), *codeBook);
+  const DdiNotes notes = FindDdiNotes(ReadDdiElements(text.str()), table);
+  AddNotes(notes, *codeBook);
   Serialize(*codeBook, out);
+  WrittenFacts facts;
+  for (const DdiNoteList* list : {&notes.table, &notes.resource, &notes.package}) CountSubjects(*list, facts);
+  for (const DdiNoteList& list : notes.fields) CountSubjects(list, facts);
+  return facts;
 }
 
 }  // namespace runtime::data

@@ -5,6 +5,7 @@
 
 #include "runtime/data/dictionary/descriptor.h"
 #include "runtime/data/dictionary/writing/ddistatistics.h"
+#include "runtime/data/dictionary/writing/writtenfacts.h"
 
 namespace runtime::data {
 
@@ -14,6 +15,6 @@ namespace runtime::data {
 /// null.
 ///
 /// What XML cannot hold is replaced visibly in an element, and exact in its note.
-void WriteDdi(const TableDescriptor& table, const DdiStatistics* statistics, std::ostream& out);
+WrittenFacts WriteDdi(const TableDescriptor& table, const DdiStatistics* statistics, std::ostream& out);
 
 }  // namespace runtime::data

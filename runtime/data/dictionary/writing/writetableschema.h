@@ -5,16 +5,17 @@
 #include <string>
 
 #include "runtime/data/dictionary/descriptor.h"
+#include "runtime/data/dictionary/writing/writtenfacts.h"
 
 namespace runtime::data {
 
 /// A Table Schema by itself, valid against the profile of version 2.0 where there is at least one field: two spaces a
 /// level, properties in the order of the standard. Facts of a resource or package (dialect, paths, their extras) have
 /// no place in it.
-void WriteTableSchema(const TableDescriptor& table, std::ostream& out);
+WrittenFacts WriteTableSchema(const TableDescriptor& table, std::ostream& out);
 
 /// A Data Package of one resource, valid likewise; everything that a descriptor can say. `data` is the path of the data
 /// below the package's folder, for a descriptor that gives none.
-void WriteDataPackage(const TableDescriptor& table, const std::string& data, std::ostream& out);
+WrittenFacts WriteDataPackage(const TableDescriptor& table, const std::string& data, std::ostream& out);
 
 }  // namespace runtime::data
