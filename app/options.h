@@ -11,18 +11,20 @@
 namespace app {
 
 enum class TimingForm { None, Table, Json };
+enum class TypeListing { None, Text, Json };
 
 struct Options {
   runtime::data::OpenOptions data;
-  std::optional<std::string> commandText;  // -c
-  std::optional<std::string> commandFile;  // -f
-  std::string format;                      // a name that the program can write
-  std::optional<std::string> outputFile;   // -o; absent: standard output
-  std::optional<int> width;                // of text; absent: the terminal's
-  std::string language = "en";             // of the report's fixed texts; one that the program has
-  bool pager = true;                       // a text report on a terminal goes through a pager, where there is one
-  int threads = 0;                         // 0: as many as the machine gives
-  bool quiet = false;                      // no progress, and no word that is neither warning nor error
+  std::optional<std::string> commandText;       // -c
+  std::optional<std::string> commandFile;       // -f
+  std::string format;                           // a name that the program can write
+  std::optional<std::string> outputFile;        // -o; absent: standard output
+  std::optional<int> width;                     // of text; absent: the terminal's
+  std::string language = "en";                  // of the report's fixed texts; one that the program has
+  bool pager = true;                            // a text report on a terminal goes through a pager, where there is one
+  TypeListing typeListing = TypeListing::None;  // instead of a report
+  int threads = 0;                              // 0: as many as the machine gives
+  bool quiet = false;                           // no progress, and no word that is neither warning nor error
   TimingForm timing = TimingForm::None;
   std::int64_t percentileMemory = 0;  // bytes that the values kept for percentiles may take; 0: no limit
 };

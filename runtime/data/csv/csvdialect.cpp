@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::size_t kRecordsLookedAt = 200;
 constexpr std::size_t kBytesLookedAt = std::size_t{256} * 1024;
+constexpr std::size_t kLongestFirstLine = std::size_t{128} << 20;  // 100,000 headers of 950 characters have room in it
 
 /// How well a delimiter fits the first records.
 struct Fit {
@@ -87,6 +88,15 @@ char FindDelimiter(std::string_view text, CsvDialect dialect, const std::string&
   return best;
 }
 
+/// What has no line end for so long would only cost time and memory.
+void CheckFirstLine(std::string_view text, const std::string& source) {
+  if (text.size() <= kLongestFirstLine) return;
+  const std::string_view beginning = text.substr(0, kLongestFirstLine);
+  if (beginning.find('\n') != std::string_view::npos || beginning.find('\r') != std::string_view::npos) return;
+  throw DataError(fmt::format("{}:1: the first line does not end within {} MB; a table begins with a line of headers",
+                              source, kLongestFirstLine >> 20));
+}
+
 char OneCharacter(const std::string& text, const char* what, const std::string& source) {
   if (text.size() == 1 && text[0] != '\n' && text[0] != '\r' && text[0] != '\0') return text[0];
   throw DataError(fmt::format("{}: the {} {} of its dialect cannot be used; it must be one ASCII character", source,
@@ -96,6 +106,7 @@ char OneCharacter(const std::string& text, const char* what, const std::string& 
 }  // namespace
 
 CsvDialect FindDialect(std::string_view text, const TextDialect& said, const std::string& source) {
+  CheckFirstLine(text, source);
   CsvDialect dialect;
   if (said.quoteChar) dialect.quote = said.quoteChar->empty() ? '\0' : OneCharacter(*said.quoteChar, "quote", source);
   dialect.doubleQuote = said.doubleQuote.value_or(true);

@@ -29,7 +29,7 @@ struct CsvDialect {
 /// bar: one that cuts the first record, and, of those, the one that gives most of the first records the same number of
 /// cells; then the one that gives more cells. A file whose name ends with .tsv or .tab is cut at tabs, unless there is
 /// none in its first record and another one fits. Without any the file has one column. `source` is the file's name.
-/// Throws DataError for a delimiter or quote that is not one character.
+/// Throws DataError for a delimiter or quote that is not one character, and for a first line of more than 128 MB.
 CsvDialect FindDialect(std::string_view text, const TextDialect& said, const std::string& source);
 
 }  // namespace runtime::data

@@ -10,6 +10,8 @@ namespace runtime::data {
 
 namespace {
 
+constexpr std::size_t kLongestHeader = std::size_t{1} << 20;  // in bytes
+
 /// The records of a file by their numbers.
 class NumberedRecords {
  public:
@@ -99,6 +101,13 @@ HeaderRecord ReadHeaderRecord(std::string_view text, const CsvDialect& dialect, 
     isLast = dialect.headerRows.empty() || records.row == dialect.headerRows.back();
     JoinToHeader(records.cells, isLast, dialect.headerJoin, header.names);
   }
+  for (std::size_t column = 0; column < header.names.size(); ++column)
+    if (header.names[column].size() > kLongestHeader)
+      throw DataError(
+          fmt::format("{}:{}: the header of column {} has {} bytes, more than the {} MB that are taken; a "
+                      "table begins with a line of headers",
+                      source, std::max<std::int64_t>(1, records.scanner().lineEnds()), column + 1,
+                      header.names[column].size(), kLongestHeader >> 20));
   const RecordScanner& scanner = records.scanner();
   header.rowsBegin = scanner.position();
   header.findings.lineEnds = scanner.lineEnds();

@@ -29,7 +29,7 @@ struct HeaderRecord {
 /// Blank lines, lines of comment and records that are left out are passed over before the header. Where the dialect
 /// names its records, they are joined: a cell that is empty or not there takes the one to its left, but for the last of
 /// them; what stands before and between them is passed over. `source` names the file in messages. Throws DataError when
-/// the text does not hold them, and for a quote in the first one that is never closed.
+/// the text does not hold them, for a header of more than 1 MB, and for a quote in the first one that is never closed.
 HeaderRecord ReadHeaderRecord(std::string_view text, const CsvDialect& dialect, const std::string& source);
 
 }  // namespace runtime::data

@@ -25,9 +25,11 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 TEST(TableFile, isKnownByItsEnding) {
-  for (const char* path : {"a.parquet", "A.PARQUET", "a.jsonl", "a.ndjson", "x/y.z.JsonL"})
+  for (const char* path : {"a.parquet", "A.PARQUET", "a.jsonl", "a.ndjson", "x/y.z.JsonL", "a.jsonl.gz", "a.ndjson.ZST",
+                           "a.sqlite", "a.db"})
     EXPECT_TRUE(IsTableFile(path)) << path;
-  for (const char* path : {"a.csv", "a.json", "parquet", "a.parquet.csv", ""}) EXPECT_FALSE(IsTableFile(path)) << path;
+  for (const char* path : {"a.csv", "a.json", "parquet", "a.parquet.csv", "a.csv.gz", ""})
+    EXPECT_FALSE(IsTableFile(path)) << path;
 }
 
 #ifdef CODEBOOK_HAVE_DUCKDB
@@ -324,6 +326,95 @@ TEST_F(TableFiles, damagedParquetStopsWithAnError) {
   file << std::string(20000, '\x5A');
   file.close();
   EXPECT_THROW(ReadFile(path), DataError);
+}
+
+TEST_F(TableFiles, severalParquetFilesAreOneTable) {
+  const std::string first = fFolder.Path("p1.parquet");
+  const std::string second = fFolder.Path("p'2 [x].parquet");
+  WriteParquet(first, "SELECT i::INTEGER AS a, 'x' AS s FROM range(3000) t(i)");
+  WriteParquet(fFolder.Path("p2"), "SELECT (3000 + i)::BIGINT AS a, 'y' AS s FROM range(10) t(i)");
+  std::filesystem::rename(fFolder.Path("p2"), second);
+  const auto source = OpenTableFiles({first, second}, std::nullopt, 2);
+  EXPECT_EQ(source->rowCount(), 3010);
+  EXPECT_EQ(source->columns()[0].type, FieldType::Integer) << "the wider of two types";
+  Cells cells;
+  const auto stream = source->Open({{0, false}});
+  Collector collector(cells);
+  while (const std::size_t rows = stream->Next()) stream->Take(0, 0, rows, collector);
+  ASSERT_EQ(cells.cells.size(), 3010U);
+  for (std::size_t row = 0; row < cells.cells.size(); ++row) ASSERT_EQ(cells.cells[row], std::to_string(row));
+}
+
+TEST_F(TableFiles, severalFilesWithOtherColumnsAreRefused) {
+  const std::string first = fFolder.Path("p1.parquet");
+  const std::string second = fFolder.Path("p2.parquet");
+  WriteParquet(first, "SELECT 1 AS a, 2 AS b");
+  WriteParquet(second, "SELECT 1 AS a, 2 AS c");
+  try {
+    OpenTableFiles({first, second}, std::nullopt, 1);
+    FAIL();
+  } catch (const DataError& error) {
+    EXPECT_THAT(error.what(), HasSubstr("p2.parquet: its column 2 is \"c\", and that of"));
+  }
+}
+
+TEST_F(TableFiles, aWholeNumberTooLargeInALaterFileMakesTheColumnText) {
+  const std::string first = fFolder.Path("p1.parquet");
+  const std::string second = fFolder.Path("p2.parquet");
+  WriteParquet(first, "SELECT 1::BIGINT AS a");
+  WriteParquet(second, "SELECT 9007199254740993 AS a");
+  EXPECT_EQ(OpenTableFiles({first, second}, std::nullopt, 1)->columns()[0].type, FieldType::String);
+}
+
+TEST_F(TableFiles, aColumnMayBeNamedLikeAParameter) {
+  const std::string path = fFolder.Path("p.parquet");
+  const DuckDBSession session(path, 1);
+  session.Run("COPY (SELECT 5 AS \"price in ($1\") TO $1 (FORMAT parquet)", [](const DuckDBChunk&) {});
+  EXPECT_THAT(ReadFile(path)[0].cells, ElementsAre("5"));
+}
+
+class EmbeddedDictionary : public TableFiles {
+ protected:
+  OpenedDataset Open(const std::string& metadata) {
+    fOptions.path = fFolder.Path("p.parquet");
+    const DuckDBSession session(fOptions.path, 1);
+    session.Run("COPY (SELECT 1 AS sex, 9 AS q) TO $1 (FORMAT parquet, KV_METADATA {" + metadata + "})",
+                [](const DuckDBChunk&) {});
+    return OpenDataset(fOptions);
+  }
+  static std::string LabelOf(const OpenedDataset& opened) {
+    return opened.dataset->dictionary().variables[0]->label.value_or("");
+  }
+
+  OpenOptions fOptions;
+};
+
+TEST_F(EmbeddedDictionary, ofAParquetFileIsUsed) {
+  const auto schema =
+      Open(R"('codebook.schema': '{"fields": [{"name": "sex", "type": "integer", "title": "Gëschlecht"},)"
+           R"( {"name": "q", "type": "integer"}]}')");
+  EXPECT_TRUE(schema.notes.empty());
+  EXPECT_EQ(LabelOf(schema), "G\xC3\xABschlecht");
+  EXPECT_EQ(LabelOf(Open(R"('datapackage': '{"resources": [{"name": "r", "path": "elsewhere.csv", "schema": )"
+                         R"({"fields": [{"name": "sex", "title": "Sex"}, {"name": "q"}]}}]}')")),
+            "Sex");
+}
+
+TEST_F(EmbeddedDictionary, yieldsToOneBesideTheFile) {
+  fFolder.Write("p.schema.json", R"({"fields": [{"name": "sex", "title": "Beside"}, {"name": "q"}]})");
+  EXPECT_EQ(LabelOf(Open(R"('codebook.schema': '{"fields": [{"name": "sex", "title": "Within"}, {"name": "q"}]}')")),
+            "Beside");
+}
+
+TEST_F(EmbeddedDictionary, thatIsNoneIsLeftOut) {
+  const auto other = Open(R"('schema': '{"fields": ["sex", "q"]}')");
+  EXPECT_TRUE(other.notes.empty()) << "another program's";
+  const auto faulty = Open(R"('codebook.schema': '{"fields": [')");
+  ASSERT_EQ(faulty.notes.size(), 1U);
+  EXPECT_THAT(faulty.notes[0].text, HasSubstr("p.parquet (metadata codebook.schema)"));
+  EXPECT_THAT(faulty.notes[0].text, HasSubstr("is not used"));
+  fOptions.strict = true;
+  EXPECT_THROW(Open(R"('codebook.schema': '{"fields": [')"), DataError);
 }
 
 TEST(DuckDBSession, readsNoOtherFile) {
