@@ -141,7 +141,7 @@ class Told(ProgramTest):
         self.assert_says(result, "warning", "nameless.csv", "column 2", name)
 
     def test_invalidUtf8IsReplacedAndCountedOnce(self):
-        self.write("bytes.csv", b"a,b\nx\xff,2\ny,3\nz\xc3,4\n")
+        self.write("bytes.csv", b"a,b\xc3\xa9\xc3\xa9\xc3\xa9\nx\xff,2\ny,3\nz\xc3,4\n")
         result, report = self.report("bytes.csv", "-c", "CODEBOOK a /VARINFO LABEL /STATISTICS COUNT.")
         self.assertEqual(len(result.messages().splitlines()), 1, repr(result))
         self.assert_says(result, "warning", "bytes.csv:2", "2 bytes", "UTF-8", "U+FFFD", "encoding")

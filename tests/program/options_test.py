@@ -234,9 +234,6 @@ class WrongUse(ProgramTest):
     def test_withoutData(self):
         self.refused((), "DATA", "--help")
 
-    def test_twoDataFiles(self):
-        self.refused(("data.csv", "second.csv"), "second.csv", "--help")
-
     def test_unknownOption(self):
         self.refused(("data.csv", "--nosuch"), "--nosuch", "--help")
         self.refused(("--nosuch",), "--nosuch", "--help")
