@@ -64,7 +64,7 @@ KindWords WordsOf(ChangeKind kind) {
     case ChangeKind::MissingRemoved:
       return {"missing value", false};
     case ChangeKind::MissingShareMoved:
-      return {"missing", false};
+      return {"missing share", false};
     case ChangeKind::ValueShareMoved:
       return {"share of", false};
     default:
