@@ -36,7 +36,8 @@ std::vector<MissingRangeDescriptor> ReadMissingRanges(const JsonPlace& list) {
 }
 
 void ReadCodebook(const JsonPlace& codebook, FieldDescriptor& field, const SchemaContext& context) {
-  NoteUnknownMembers(codebook, {"format", "measure", "role", "valueLabels", "missingRanges", "attributes", "ddi"},
+  NoteUnknownMembers(codebook,
+                     {"format", "measure", "role", "values", "valueLabels", "missingRanges", "attributes", "ddi"},
                      context.notes, field.extras);
   KeepDdiExtras(codebook, field.extras);
   if (const auto format = codebook.Find("format")) {
@@ -53,6 +54,9 @@ void ReadCodebook(const JsonPlace& codebook, FieldDescriptor& field, const Schem
     if (!RoleOf(role->Text())) role->Fail(fmt::format("\"{}\" is no role; write one of {}", role->Text(), kRoleWords));
     field.role = role->Text();
   }
+  // Values that a DDI-Codebook lists without labels say nothing about the level.
+  if (const auto values = codebook.Find("values"); values && !field.hasCategories)
+    field.categories = ReadLabelledValues(*values, context.deviations);
   if (const auto labels = codebook.Find("valueLabels"))
     field.valueLabels = ReadLabelledValues(*labels, context.deviations);
   if (const auto ranges = codebook.Find("missingRanges")) field.missingRanges = ReadMissingRanges(*ranges);

@@ -1,8 +1,6 @@
 #include "runtime/data/dictionary/jsonfile.h"
 
 #include <cerrno>
-#include <charconv>
-#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -13,6 +11,7 @@
 
 #include "runtime/data/csv/encoding.h"
 #include "runtime/data/dictionary/jsontree.h"
+#include "runtime/data/dictionary/numberwords.h"
 #include "runtime/data/open.h"
 
 namespace runtime::data {
@@ -163,13 +162,7 @@ std::string JsonPlace::Scalar() const {
   if (!isNumber()) FailType("a text or a number");
   if (fValue->is_number_unsigned()) return std::to_string(fValue->get<std::uint64_t>());
   if (fValue->is_number_integer()) return std::to_string(fValue->get<std::int64_t>());
-  char buffer[64];
-  const double number = fValue->get<double>();
-  const bool plain = number == 0 || (std::fabs(number) >= 1e-5 && std::fabs(number) < 1e17);
-  const auto [end, error] = plain ? std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed)
-                                  : std::to_chars(buffer, buffer + sizeof buffer, number);
-  if (error != std::errc()) Fail("the number cannot be written");
-  return {buffer, end};
+  return NumberWords(fValue->get<double>());
 }
 
 std::vector<std::string> JsonPlace::Texts() const {

@@ -57,4 +57,32 @@ TypeWord TypeOfWord(const std::string& word) {
   return {meant->second, false, meant->first};
 }
 
+std::string_view WordOfType(FieldType type) {
+  switch (type) {
+    case FieldType::Inferred:
+      return "";
+    case FieldType::String:
+      return "string";
+    case FieldType::Integer:
+      return "integer";
+    case FieldType::Number:
+      return "number";
+    case FieldType::Boolean:
+      return "boolean";
+    case FieldType::Year:
+      return "year";
+    case FieldType::Date:
+      return "date";
+    case FieldType::DateTime:
+      return "datetime";
+    case FieldType::Time:
+      return "time";
+    case FieldType::YearMonth:
+      return "yearmonth";
+    case FieldType::Duration:
+      return "duration";
+  }
+  return "";
+}
+
 }  // namespace runtime::data

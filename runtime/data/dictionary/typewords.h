@@ -20,4 +20,7 @@ struct TypeWord {
 /// strings. Other words that are met stand for one of its types: float, int64, bool, text, timestamp, gyear ...
 TypeWord TypeOfWord(const std::string& word);
 
+/// The standard word; empty for a type that is inferred.
+std::string_view WordOfType(FieldType type);
+
 }  // namespace runtime::data

@@ -1,5 +1,6 @@
 #include "runtime/data/dictionary/writing/ddielements.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <utility>
@@ -104,7 +105,11 @@ XmlElement& PlaceElement(XmlElement& root, std::string_view path) {
 }
 
 void PlaceDdiExtras(const std::vector<ExtraProperty>& extras, XmlElement& root) {
-  for (const ExtraProperty& extra : extras) {
+  // By name, so that it does not matter from which file they come.
+  std::vector<ExtraProperty> sorted = extras;
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](const ExtraProperty& a, const ExtraProperty& b) { return a.name < b.name; });
+  for (const ExtraProperty& extra : sorted) {
     if (extra.name.rfind(kDdi, 0) != 0 || extra.name.size() == kDdi.size()) continue;
     const Json json = Json::parse(extra.json, nullptr, false);
     if (json.is_discarded()) continue;

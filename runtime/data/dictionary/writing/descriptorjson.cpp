@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <initializer_list>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,6 +14,7 @@
 #include "runtime/data/dictionary/keptproperties.h"
 #include "runtime/data/dictionary/packagefacts.h"
 #include "runtime/data/dictionary/tableschema.h"
+#include "runtime/data/dictionary/typewords.h"
 #include "runtime/data/dictionary/writing/profile.h"
 #include "runtime/data/dictionary/writing/valuelistjson.h"
 
@@ -68,7 +70,7 @@ class Properties {
     for (const std::string_view name : order) take(std::string(name));
     while (!fOwn.empty()) take(fOwn.begin().key());
     if (!kept.empty()) fCodebook["kept"] = std::move(kept);
-    if (!fDdi.empty()) fCodebook["ddi"] = std::move(fDdi);
+    for (auto& [name, value] : fDdi) fCodebook["ddi"][name] = std::move(value);
     if (!fCodebook.empty()) object[std::string(kCodebook)] = std::move(fCodebook);
     return object;
   }
@@ -82,36 +84,8 @@ class Properties {
 
   Json fOwn = Json::object();
   Json fCodebook = Json::object();
-  Json fDdi = Json::object();
+  std::map<std::string, Json> fDdi;  // by name: they come from documents in one order and from JSON in another
 };
-
-std::string_view TypeWordOf(FieldType type) {
-  switch (type) {
-    case FieldType::Inferred:
-      return "";
-    case FieldType::String:
-      return "string";
-    case FieldType::Integer:
-      return "integer";
-    case FieldType::Number:
-      return "number";
-    case FieldType::Boolean:
-      return "boolean";
-    case FieldType::Year:
-      return "year";
-    case FieldType::Date:
-      return "date";
-    case FieldType::DateTime:
-      return "datetime";
-    case FieldType::Time:
-      return "time";
-    case FieldType::YearMonth:
-      return "yearmonth";
-    case FieldType::Duration:
-      return "duration";
-  }
-  return "";
-}
 
 bool SameValues(const std::vector<LabelledValue>& a, const std::vector<LabelledValue>& b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const LabelledValue& one, const LabelledValue& other) {
@@ -158,7 +132,7 @@ Json RangesJson(const std::vector<MissingRangeDescriptor>& ranges) {
 
 void SetDialect(const FieldDialect& dialect, Properties& properties) {
   static const FieldDialect kPlain;
-  if (dialect.type != FieldType::Inferred) properties.Set("type", TypeWordOf(dialect.type));
+  if (dialect.type != FieldType::Inferred) properties.Set("type", WordOfType(dialect.type));
   if (dialect.format != kPlain.format) properties.Set("format", dialect.format);
   if (dialect.decimalChar != kPlain.decimalChar) properties.Set("decimalChar", dialect.decimalChar);
   if (dialect.groupChar != kPlain.groupChar) properties.Set("groupChar", dialect.groupChar);
@@ -171,6 +145,7 @@ void SetCodebook(const FieldDescriptor& field, Json& codebook) {
   if (field.format) codebook["format"] = WriteFormatText(*field.format);
   if (field.measure) codebook["measure"] = *field.measure;
   if (field.role) codebook["role"] = *field.role;
+  if (!field.hasCategories && !field.categories.empty()) codebook["values"] = ValueListJson(field.categories);
   if (!field.valueLabels.empty()) codebook["valueLabels"] = ValueListJson(field.valueLabels);
   if (!field.missingRanges.empty()) codebook["missingRanges"] = RangesJson(field.missingRanges);
   const std::size_t attributes = AttributesToWrite(field);
@@ -278,7 +253,7 @@ Json FieldJson(const FieldDescriptor& field, const std::vector<LabelledValue>* m
   SetCodebook(field, properties.codebook());
   properties.Add(field.extras);
   // A type of its own that is read as text stands among the extras.
-  std::string type(TypeWordOf(field.dialect.type));
+  std::string type(WordOfType(field.dialect.type));
   const Json* word = properties.Find("type");
   if (word && word->is_string() && ProfileAllowsInField({}, "type", *word)) type = *word;
   return properties.Ordered(

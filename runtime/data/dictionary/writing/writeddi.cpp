@@ -1,6 +1,7 @@
 #include "runtime/data/dictionary/writing/writeddi.h"
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -37,12 +38,14 @@ void AddNote(const std::string& subject, const Json& value, const char* level, X
 }
 
 void AddNotes(const DdiNoteList& notes, const char* level, XmlElement& element) {
+  std::map<std::string, Json> sorted;
+  for (auto note = notes.properties.begin(); note != notes.properties.end(); ++note) sorted[note.key()] = note.value();
   Json others = Json::object();
-  for (auto note = notes.properties.begin(); note != notes.properties.end(); ++note) {
-    if (XmlCharacters(note.key()) == note.key())
-      AddNote(note.key(), note.value(), level, element);
+  for (const auto& [subject, value] : sorted) {
+    if (XmlCharacters(subject) == subject)
+      AddNote(subject, value, level, element);
     else
-      others[note.key()] = note.value();
+      others[subject] = value;
   }
   if (!others.empty()) AddNote(kManyProperties, others, level, element);
 }

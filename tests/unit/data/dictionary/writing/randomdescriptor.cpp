@@ -202,6 +202,8 @@ FieldDescriptor RandomDescriptor::Field(const TableDescriptor& table) {
     field.hasCategories = true;
     field.categories = Values(type, 5, false);
     field.categoriesOrdered = Chance(30);
+  } else if (Chance(10)) {
+    field.categories = Values(type, 5, false);
   }
   if (Chance(20)) field.valueLabels = Values(type, 4, false);
   if (Chance(10)) field.maxLength = static_cast<int>(Below(40000));
