@@ -110,6 +110,7 @@ void CheckFiles(const DiffOptions& options) {
 DiffOptions ReadDiffOptions(int argc, const char* const* argv) {
   DiffOptions options;
   std::string format;
+  std::optional<std::string> resource;
   CLI::App cli("Tells what differs between two waves of a dataset: their dictionaries and their distributions.",
                "codebook diff");
   cli.footer(kFooter);
@@ -119,10 +120,10 @@ DiffOptions ReadDiffOptions(int argc, const char* const* argv) {
       ->type_name("FILE");
   cli.add_option("--new-dictionary", options.after.dictionary, "the dictionary of NEW (else looked for beside it)")
       ->type_name("FILE");
-  cli.add_option("--old-resource", options.before.resource, "the resource or file, where OLD's dictionary has several")
+  cli.add_option("--resource", resource, "the resource or file, where the dictionaries of both have several")
       ->type_name("NAME");
-  cli.add_option("--new-resource", options.after.resource, "the resource or file, where NEW's dictionary has several")
-      ->type_name("NAME");
+  cli.add_option("--old-resource", options.before.resource, "the resource or file, for OLD alone")->type_name("NAME");
+  cli.add_option("--new-resource", options.after.resource, "the resource or file, for NEW alone")->type_name("NAME");
   cli.add_option("--schemas", options.schemas, "a folder with copies of schemas that dictionaries name by address")
       ->type_name("DIR");
   cli.add_flag("--dictionary-only", options.dictionaryOnly, "compare the dictionaries, count nothing");
@@ -154,6 +155,8 @@ DiffOptions ReadDiffOptions(int argc, const char* const* argv) {
   } catch (const CLI::ParseError& error) {
     throw UsageError(std::string(error.what()) + "\nRun codebook diff --help for what it takes.");
   }
+  for (Side* side : {&options.before, &options.after})
+    if (!side->resource) side->resource = resource;
   options.pager = !noPager;
   options.format = ChooseFormat(format, options.output);
   CheckFiles(options);

@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -22,6 +25,21 @@ constexpr int kNarrowestPage = 20;
 constexpr int kIndent = 4;
 constexpr int kWidestWhat = 24;
 constexpr std::size_t kMostTextBytes = 400;  // of one text of the data; the other formats have all of it
+constexpr std::size_t kBytesBeforeDifference = 40;
+
+bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
+
+/// Where to begin to show two long texts: a word or so before they differ; 0 where nothing is worth leaving out.
+std::size_t CommonBeginning(std::string_view a, std::string_view b) {
+  if (a.size() <= kMostTextBytes && b.size() <= kMostTextBytes) return 0;
+  const auto differing =
+      std::mismatch(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(std::min(a.size(), b.size())), b.begin());
+  auto begin = static_cast<std::size_t>(differing.first - a.begin());
+  if (begin <= 2 * kBytesBeforeDifference) return 0;
+  begin -= kBytesBeforeDifference;
+  while (begin > 0 && a[begin - 1] != ' ' && a[begin - 1] != '\n') --begin;
+  return begin;
+}
 
 class ComparisonWriter {
  public:
@@ -53,6 +71,7 @@ class ComparisonWriter {
   std::string Bold(const std::string& text) const { return fOptions.color ? "\x1b[1m" + text + "\x1b[0m" : text; }
   std::string Dim(const std::string& text) const { return fOptions.color ? "\x1b[2m" + text + "\x1b[0m" : text; }
   const char* Arrow() const { return fOptions.utf8 ? "→" : "->"; }
+  const char* Ellipsis() const { return fOptions.utf8 ? "…" : "..."; }
   const char* Minus() const { return fOptions.utf8 ? "−" : "-"; }
 
   void WriteBold(const std::string& text) {
@@ -76,8 +95,11 @@ class ComparisonWriter {
     WriteLines(text, kIndent + 1, Dim(which) + "  ");
   }
 
+  /// Those that came and went follow each other in a list.
   void WriteVariable(const VariableComparison& variable) {
-    fOut << '\n';
+    const bool isOneLine = variable.isAdded() || variable.isRemoved();
+    if (!isOneLine || !fInList) fOut << '\n';
+    fInList = isOneLine;
     std::string head = variable.isAdded() ? "+ " : variable.isRemoved() ? std::string(Minus()) + " " : "  ";
     if (variable.renamed) {
       WriteHead(head, Harmless(variable.before) + " " + Arrow() + " " + Harmless(variable.after) + " ?",
@@ -102,15 +124,22 @@ class ComparisonWriter {
   }
 
   /// As it stands in the page: harmless, and no longer than is worth reading there.
-  std::string Shortened(const std::string& text) const {
+  std::string Shortened(std::string_view text) const {
     if (text.size() <= kMostTextBytes) return Harmless(text);
     std::size_t end = kMostTextBytes;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;
-    return Harmless(std::string_view(text).substr(0, end)) + (fOptions.utf8 ? "…" : "...");
+    while (end > 0 && !BeginsCharacter(text[end])) --end;
+    return Harmless(text.substr(0, end)) + Ellipsis();
   }
 
-  std::string Shown(const std::string& text, bool isQuoted) const {
+  std::string Shown(std::string_view text, bool isQuoted) const {
     return isQuoted ? '"' + Shortened(text) + '"' : Shortened(text);
+  }
+
+  std::string ShownPair(const std::string& before, const std::string& after, bool isQuoted) const {
+    const std::size_t begin = CommonBeginning(before, after);
+    if (begin == 0) return Shown(before, isQuoted) + " " + Arrow() + " " + Shown(after, isQuoted);
+    const auto rest = [&](std::string_view text) { return Ellipsis() + Shown(text.substr(begin), isQuoted); };
+    return rest(before) + " " + Arrow() + " " + rest(after);
   }
 
   void WriteChanges(const std::vector<Change>& changes) {
@@ -123,7 +152,7 @@ class ComparisonWriter {
       if (!words.aboutLabel.empty()) what += " \"" + Shortened(words.aboutLabel) + '"';
       std::string text;
       if (words.before && words.after)
-        text = Shown(*words.before, words.isQuoted) + " " + Arrow() + " " + Shown(*words.after, words.isQuoted);
+        text = ShownPair(*words.before, *words.after, words.isQuoted);
       else if (words.after)
         text = "+ " + Shown(*words.after, words.isQuoted);
       else if (words.before)
@@ -150,6 +179,7 @@ class ComparisonWriter {
   const runtime::output::RenderOptions fOptions;
   const int fWidth;
   std::ostream& fOut;
+  bool fInList = false;
 };
 
 }  // namespace
