@@ -1,13 +1,13 @@
 // A workbook in the making: its sheets, the looks of its cells, and what was cut.
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "runtime/output/render/xlsx/temporaryfiles.h"
@@ -26,7 +26,9 @@ struct CellLook {
   bool isLink = false;
   std::string numberFormat;  // empty: a text
 
-  auto operator<=>(const CellLook&) const = default;
+  bool operator<(const CellLook& other) const {
+    return std::tie(face, isLink, numberFormat) < std::tie(other.face, other.isLink, other.numberFormat);
+  }
 };
 
 /// Where a cell stands. Rows and columns from 0.
