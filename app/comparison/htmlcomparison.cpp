@@ -87,9 +87,9 @@ class ComparisonPage {
     fOut << "<p class=\"quiet\">";
     if (fReport.distributionsCompared)
       fOut << fmt::format(
-          "Distributions differ where the share of missing values moved by at least {:g} percentage points, a value's "
+          "Distributions differ where the share of missing values moved by at least {:g} percentage point{}, a value's "
           "share of the valid ones by at least {:g}, or a mean by at least {:g} standard deviations.",
-          least.missing, least.value, least.mean);
+          least.missing, least.missing == 1.0 ? "" : "s", least.value, least.mean);
     else
       fOut << "Only the dictionaries were compared.";
     fOut << "</p>\n";
@@ -128,7 +128,7 @@ class ComparisonPage {
   }
 
   void WriteChanges(const std::vector<Change>& changes, const std::string& caption) {
-    fOut << "<div class=\"wide\"><table>\n<caption>" << Safe(caption)
+    fOut << "<div class=\"wide\"><table class=\"changes\">\n<caption>" << Safe(caption)
          << "</caption>\n<thead><tr><th scope=\"col\" class=\"what\">What</th><th scope=\"col\">Old</th><th "
             "scope=\"col\">New</th><th scope=\"col\" class=\"extent\">By</th></tr></thead>\n<tbody>\n";
     for (const Change& change : changes) {
