@@ -108,7 +108,7 @@ ChangeWords WordsOf(const Change& change) {
   words.what = kind.what;
   words.isQuoted = kind.isQuoted;
   if (NamesWhatItIsAbout(change.kind)) words.about = Blank(change.about);
-  if (change.aboutLabel != change.about) words.aboutLabel = change.aboutLabel;
+  words.aboutLabel = change.aboutLabel;
   words.before = change.before;
   words.after = change.after;
   if (change.kind == ChangeKind::MissingAdded) words.after.swap(words.about);

@@ -59,7 +59,7 @@ void CompareValues(const Distribution& before, const Distribution& after, double
     if (!Moved(was, is, least)) continue;
     const ValueWeight& value = pair.after == nullptr ? *pair.before : *pair.after;
     changes.push_back(Movement(ChangeKind::ValueShareMoved, value.value, was, is, std::abs(was - is)));
-    changes.back().aboutLabel = value.shown;
+    if (value.shown != value.value) changes.back().aboutLabel = value.shown;
   }
 }
 
