@@ -55,8 +55,7 @@ void WriteCheckText(const CheckReport& report, bool isUtf8, std::ostream& out) {
     const bool last = &finding == &report.findings.back();
     const Finding* next = last ? nullptr : &finding + 1;
     // The same advice is given once, under the last of several findings of a kind.
-    if (next == nullptr || next->code != finding.code || next->variable != finding.variable)
-      line(fmt::format("    {}", facts.hint));
+    if (next == nullptr || next->code != finding.code) line(fmt::format("    {}", facts.hint));
   }
   if (!report.findings.empty()) out << '\n';
   line(fmt::format("{}: {} cases, {} variables: {}, {}, {}", report.data, report.cases, report.variables,

@@ -92,11 +92,22 @@ void CheckLength(VariableCheck& check, const FieldConstraints& constraints) {
   });
 }
 
-void CheckList(VariableCheck& check, CheckCode code, const std::vector<LabelledValue>& entries, const char* where) {
-  const NamedValues named(entries, check);
-  check.AddValues(
-      code, ValidOnes(check, [&](const DistinctValue& value) { return !named.Hold(value); }),
-      [&](const DistinctValue& value) { return fmt::format("{} is none of {}", check.Quoted(value), where); });
+/// What is none of the categories is not told again as none of the enum, from which they may have been made.
+void CheckLists(VariableCheck& check, const std::vector<LabelledValue>& enumerated) {
+  const NamedValues categories(check.field->categories, check);
+  const NamedValues named(enumerated, check);
+  const bool hasCategories = check.field->hasCategories;
+  if (hasCategories)
+    check.AddValues(CheckCode::OutsideCategories,
+                    ValidOnes(check, [&](const DistinctValue& value) { return !categories.Hold(value); }),
+                    [&](const DistinctValue& value) { return check.Quoted(value) + " is none of the categories"; });
+  if (enumerated.empty()) return;
+  check.AddValues(CheckCode::NotInEnum,
+                  ValidOnes(check,
+                            [&](const DistinctValue& value) {
+                              return !named.Hold(value) && (!hasCategories || categories.Hold(value));
+                            }),
+                  [&](const DistinctValue& value) { return check.Quoted(value) + " is none of the constraint enum"; });
 }
 
 /// A pattern as a whole text must match it.
@@ -148,10 +159,7 @@ void CheckConstraints(VariableCheck& check, bool isKey) {
   if (constraints.unique || isKey)
     CheckUnique(check, constraints.unique ? "the field is unique" : "the field is the primary key");
   CheckRange(check, constraints);
-  if (check.field->hasCategories)
-    CheckList(check, CheckCode::OutsideCategories, check.field->categories, "the categories");
-  else if (!constraints.values.empty())
-    CheckList(check, CheckCode::NotInEnum, constraints.values, "the constraint enum");
+  CheckLists(check, constraints.values);
   if (constraints.pattern) CheckPattern(check, *constraints.pattern);
 }
 

@@ -29,7 +29,9 @@ void AddNotes(const std::vector<Note>& notes, const std::string& dataFile, std::
     Finding& finding = findings.emplace_back();
     finding.code = CheckCode::Reading;
     finding.file = dataFile;
-    finding.what = note.text;
+    // The file stands before the finding anyway.
+    const std::string prefix = dataFile + ": ";
+    finding.what = note.text.rfind(prefix, 0) == 0 ? note.text.substr(prefix.size()) : note.text;
   }
 }
 

@@ -1,7 +1,9 @@
 // Fields against columns, and names that are not told apart.
 #include "runtime/data/checking/checknames.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 
@@ -28,12 +30,12 @@ void CheckNames(const std::vector<std::string>& names, const char* thing, const 
                 std::vector<Finding>& findings) {
   std::unordered_map<std::string, std::size_t> firstOfName;
   std::unordered_map<std::string, std::size_t> firstOfFolded;
+  std::vector<std::size_t> nameless;
   for (std::size_t i = 0; i < names.size(); ++i) {
     const std::string& name = names[i];
     const std::size_t column = haveColumns ? i + 1 : 0;
     if (name.empty()) {
-      findings.push_back(
-          About(CheckCode::RepeatedName, file, "", column, fmt::format("{} {} has no name", thing, i + 1)));
+      nameless.push_back(i + 1);
       continue;
     }
     const auto [first, isNew] = firstOfName.emplace(name, i);
@@ -42,12 +44,25 @@ void CheckNames(const std::vector<std::string>& names, const char* thing, const 
                                fmt::format("{}s {} and {} have the same name", thing, first->second + 1, i + 1)));
       continue;
     }
+    // Of fields with columns it was told already.
+    if (!haveColumns) continue;
     const auto [alike, isOther] = firstOfFolded.emplace(FoldName(name), i);
     if (!isOther)
       findings.push_back(About(CheckCode::NamesDifferInCase, file, name, column,
                                fmt::format("the {}s {} and {} differ in nothing but capitals", thing,
                                            QuotedCell(names[alike->second]), QuotedCell(name))));
   }
+  if (nameless.empty()) return;
+  constexpr std::size_t kMostNamed = 20;
+  const std::size_t named = std::min(nameless.size(), kMostNamed);
+  std::string list =
+      fmt::format("{}", fmt::join(nameless.begin(), nameless.begin() + static_cast<std::ptrdiff_t>(named), ", "));
+  if (named < nameless.size()) list += fmt::format(" and {} more", nameless.size() - named);
+  Finding& finding = findings.emplace_back(
+      About(CheckCode::RepeatedName, file, "", haveColumns ? nameless.front() : 0,
+            nameless.size() == 1 ? fmt::format("{} {} has no name", thing, list)
+                                 : fmt::format("{} {}s have no name: {}", nameless.size(), thing, list)));
+  finding.count = static_cast<std::int64_t>(nameless.size());
 }
 
 }  // namespace

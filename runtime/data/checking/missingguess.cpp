@@ -146,10 +146,11 @@ bool IsMissingText(std::string_view text) {
 }
 
 std::vector<std::string_view> GuessMissingTexts(const std::vector<std::string_view>& texts) {
+  const auto isLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+  const auto isPair = [&](std::string_view text) { return text.size() == 2 && isLetter(text[0]) && isLetter(text[1]); };
   std::vector<std::string_view> guesses;
   std::size_t others = 0;
-  std::size_t pairsOfLetters = 0;
-  const auto isLetter = [](char c) { return c >= 'A' && c <= 'Z'; };
+  std::size_t pairs = 0;
   for (const std::string_view text : texts) {
     if (text.empty()) continue;
     if (IsMissingText(text)) {
@@ -157,12 +158,12 @@ std::vector<std::string_view> GuessMissingTexts(const std::vector<std::string_vi
       continue;
     }
     ++others;
-    if (text.size() == 2 && isLetter(text[0]) && isLetter(text[1])) ++pairsOfLetters;
+    if (isPair(text)) ++pairs;
   }
   if (others < 2) return {};
   constexpr std::size_t kManyPairs = 5;
-  if (pairsOfLetters >= kManyPairs && pairsOfLetters * 2 > others)
-    guesses.erase(std::remove(guesses.begin(), guesses.end(), std::string_view("NA")), guesses.end());
+  if (pairs >= kManyPairs && pairs * 2 > others)
+    guesses.erase(std::remove_if(guesses.begin(), guesses.end(), isPair), guesses.end());
   return guesses;
 }
 

@@ -30,7 +30,7 @@ std::vector<NumberGuess> GuessMissingNumbers(const std::vector<CountedNumber>& n
 bool IsMissingText(std::string_view text);
 
 /// The texts among those of a column that are guessed to say that there is no answer. They must stand beside at least
-/// two others; "NA" among two-letter codes is one of these. Empty texts are not looked at.
+/// two others; "NA" and "DK" among codes of two letters are countries. Empty texts are not looked at.
 std::vector<std::string_view> GuessMissingTexts(const std::vector<std::string_view>& texts);
 
 }  // namespace runtime::data

@@ -129,7 +129,7 @@ void Drafting::DraftSet(const SetGuess& guess) {
   if (isName)
     set.label = LabelToDo("the set " + set.name);
   else
-    set.label = guess.stem;
+    set.label = guess.question;
   const bool isText = guess.cells == SetCells::OptionOrBlank || guess.cells == SetCells::OptionOrNot;
   set.isDichotomy = !isText || guess.sameOption;
   if (set.isDichotomy) set.countedValue = isText ? guess.option : "1";
@@ -221,14 +221,12 @@ void Drafting::DraftCategories(std::size_t column) {
     for (const std::string_view text : evidence.texts) {
       if (IsGuessedMissing(evidence, text)) continue;
       longest = std::max(longest, text.size());
-      LabelledValue category{std::string(text), false, std::nullopt};
-      if (text.size() <= kLongestCode) category.label = ToDo("label of " + category.value);
-      categories.push_back(std::move(category));
+      categories.push_back({std::string(text), false, std::nullopt});
     }
     const auto cells = static_cast<std::size_t>(evidence.rows - evidence.blanks);
     if (longest > kLongestCategory || cells < 2 * categories.size() || categories.size() > kMostCategories) return;
-    for (const LabelledValue& category : categories)
-      if (category.label) ++fDraft.toDos;
+    if (longest <= kLongestCode)
+      for (LabelledValue& category : categories) category.label = LabelToDo(category.value);
   }
   if (categories.empty() || categories.size() > kMostCategories) return;
   field.categories = std::move(categories);

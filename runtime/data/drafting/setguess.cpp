@@ -111,13 +111,17 @@ struct Run {
 Run BestRun(const std::vector<std::string>& headers, const std::vector<ColumnEvidence>& evidence, std::size_t begin) {
   if (evidence[begin].setCells == SetCells::None || headers[begin].empty()) return {begin, {}};
   const std::vector<Cut> cuts = CutsOf(headers[begin]);
-  for (const std::size_t least : {std::size_t{3}, std::size_t{2}})
-    for (const bool strong : {true, false})
-      for (const Cut& cut : cuts) {
-        if (cut.isStrong != strong || WithoutSeparators(cut.stem).empty()) continue;
-        const std::size_t end = EndOfRun(headers, evidence, begin, cut);
-        if (end - begin >= least) return {end, cut.stem};
-      }
+  struct Try {
+    bool strong;
+    std::size_t least;
+  };
+  // Two headers may share the first word of their options by chance; hardly three.
+  for (const Try& each : {Try{true, 2}, Try{false, 3}, Try{false, 2}})
+    for (const Cut& cut : cuts) {
+      if (cut.isStrong != each.strong || WithoutSeparators(cut.stem).empty()) continue;
+      const std::size_t end = EndOfRun(headers, evidence, begin, cut);
+      if (end - begin >= each.least) return {end, cut.stem};
+    }
   if (const std::size_t end = EndOfBlankHeaders(headers, evidence, begin); end - begin >= 2)
     return {end, headers[begin]};
   return {begin, {}};
@@ -146,6 +150,7 @@ std::vector<SetGuess> GuessSets(const std::vector<std::string>& headers, const s
     }
     SetGuess guess;
     guess.stem = WithoutSeparators(run.stem);
+    guess.question = run.stem.substr(0, run.stem.find_last_not_of(" -:[") + 1);
     guess.cells = KindOf(evidence, begin, run.end);
     std::set<std::string> options;
     for (; begin < run.end; ++begin) {

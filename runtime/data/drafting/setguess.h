@@ -11,6 +11,7 @@ namespace runtime::data {
 
 struct SetGuess {
   std::string stem;                  // what the headers have in common: "Q19", "Which films have you seen?"
+  std::string question;              // the same with its punctuation
   std::vector<std::size_t> columns;  // neighbours, in their order
   std::vector<std::string> options;  // of each: what its header or its cells say of the option; may be empty
   SetCells cells = SetCells::None;
