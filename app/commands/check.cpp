@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -10,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "app/commands/checkreport.h"
+#include "app/commands/datawords.h"
 #include "app/exitstatus.h"
 #include "app/options.h"
 #include "app/reportsink.h"
@@ -55,12 +55,10 @@ CheckOptions ReadCheckOptions(int argc, const char* const* argv) {
   std::string out;
   std::string format = "text";
   std::vector<std::string> ignored;
-  int threads = 0;
+  DataWords data;
   CLI::App cli("Lists what does not fit between data and dictionary, with places and what to do.", "codebook check");
   cli.footer(kFooter);
-  cli.add_option("DATA", options.data.path, "a data file, a datapackage.json, or - for standard input")
-      ->type_name("")
-      ->required();
+  data.AddTo(cli);
   cli.add_option("-d,--dictionary", dictionary, "the dictionary; otherwise it is looked for beside the data")
       ->type_name("FILE");
   cli.add_option("--resource", resource, "the resource or file, where the dictionary describes several")
@@ -75,7 +73,6 @@ CheckOptions ReadCheckOptions(int argc, const char* const* argv) {
       ->type_name("CODE,...")
       ->delimiter(',')
       ->allow_extra_args(false);
-  cli.add_option("--threads", threads, "threads to use at most")->type_name("N")->check(CLI::PositiveNumber);
   try {
     cli.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -89,12 +86,13 @@ CheckOptions ReadCheckOptions(int argc, const char* const* argv) {
   const auto given = [](const std::string& text) {
     return text.empty() ? std::nullopt : std::optional<std::string>(text);
   };
+  data.Give(options.data);
   options.data.dictionary = given(dictionary);
   options.data.resource = given(resource);
   options.data.schemas = given(schemas);
   options.data.forChecking = true;
-  options.data.pool = std::make_shared<runtime::machine::ThreadPool>(threads);
   options.out = given(out);
+  CheckThatInputStays(options.out, options.data);
   for (const std::string& word : ignored) options.ignored.insert(CodeOf(word));
   return options;
 }

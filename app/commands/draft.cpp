@@ -2,13 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
 
 #include <fmt/format.h>
 
+#include "app/commands/datawords.h"
 #include "app/exitstatus.h"
 #include "app/options.h"
 #include "app/reportsink.h"
@@ -40,15 +40,14 @@ DraftOptions ReadDraftOptions(int argc, const char* const* argv) {
   DraftOptions options;
   std::string out;
   bool replace = false;
-  int threads = 0;
+  DataWords data;
   CLI::App cli(
       "Writes a Table Schema to start from: types as they are inferred, labels left as to-dos, guesses marked.",
       "codebook draft");
   cli.footer(kFooter);
-  cli.add_option("DATA", options.data.path, "a data file, or - for standard input")->type_name("")->required();
+  data.AddTo(cli);
   cli.add_option("-o,--output", out, "write it to this file, which must be new")->type_name("FILE");
   cli.add_flag("--replace", replace, "FILE may be there already, and is written anew");
-  cli.add_option("--threads", threads, "threads to use at most")->type_name("N")->check(CLI::PositiveNumber);
   cli.add_flag("-q,--quiet", options.quiet, "do not say what was guessed");
   try {
     cli.parse(argc, argv);
@@ -58,9 +57,9 @@ DraftOptions ReadDraftOptions(int argc, const char* const* argv) {
     throw UsageError(std::string(error.what()) + "\nRun codebook draft --help for what it takes.");
   }
   if (!out.empty() && out != "-") options.out = out;
+  data.Give(options.data);
+  CheckThatInputStays(options.out, options.data);
   std::error_code error;
-  if (options.out && std::filesystem::equivalent(*options.out, options.data.path, error) && !error)
-    throw UsageError(fmt::format("The output would overwrite \"{}\", which is read. Name another file.", *options.out));
   if (options.out && !replace && std::filesystem::is_regular_file(*options.out, error))
     throw UsageError(fmt::format(
         "\"{}\" is there already, and somebody's labels may stand in it. Name another file, or say --replace.",
@@ -68,7 +67,6 @@ DraftOptions ReadDraftOptions(int argc, const char* const* argv) {
   options.data.dictionaryBeside = false;
   options.data.describe = true;
   options.data.forChecking = true;
-  options.data.pool = std::make_shared<runtime::machine::ThreadPool>(threads);
   return options;
 }
 

@@ -79,6 +79,19 @@ class Check(ProgramTest):
         self.assert_refused(self.run_program("check"), 2, "codebook check --help")
         self.assert_refused(self.run_program("check", "data.csv", "--format", "xml"), 2, '"xml"')
 
+    def test_outputDoesNotReplaceWhatIsRead(self):
+        self.write("data.csv", "id,q\n1,1\n2,2\n")
+        self.assert_refused(self.run_program("check", "data.csv", "-o", "data.csv"), 2, "overwrite")
+        self.assertEqual(self.read("data.csv"), b"id,q\n1,1\n2,2\n")
+
+    def test_severalFilesAreOneTable(self):
+        self.write("a.csv", "id,q\n1,1\n2,2\n")
+        self.write("b.csv", "id,q\n2,1\n")
+        self.write("t.json", SCHEMA)
+        result, report = self.found("a.csv", "b.csv", "-d", "t.json")
+        self.assert_status(result, 1)
+        self.assertEqual([(f["code"], f["value"], f["row"], f["count"]) for f in report["findings"]], [("C204", "2", 2, 2)])
+
     def test_helpIsText(self):
         result = self.run_program("check", "--help")
         self.assert_done(result)
