@@ -84,13 +84,12 @@ class ZstandardUnpacker : public Unpacker {
   std::size_t Unpack(char* buffer, std::size_t size) override {
     ZSTD_inBuffer in{fPacked.data(), fPacked.size(), fAt};
     ZSTD_outBuffer out{buffer, size, 0};
-    while (out.pos < out.size) {
+    while (out.pos < out.size && (in.pos < in.size || fInFrame)) {
       const std::size_t readBefore = in.pos;
       const std::size_t writtenBefore = out.pos;
       const std::size_t result = ZSTD_decompressStream(fStream.get(), &out, &in);
       if (ZSTD_isError(result) != 0) FailAt(in.pos, ZSTD_getErrorName(result));
       fInFrame = result != 0;
-      if (in.pos == in.size && out.pos < out.size && !fInFrame) break;
       if (in.pos == readBefore && out.pos == writtenBefore) FailAtEnd();
     }
     fAt = in.pos;

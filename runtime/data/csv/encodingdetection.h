@@ -9,7 +9,7 @@
 namespace runtime::data {
 
 /// UTF-16LE or UTF-16BE for a text in UTF-16 without a byte order mark: its zero bytes all stand in the same half of
-/// the units, and there is a line end or a delimiter. Nothing for any other text.
+/// the units, and so do line ends. Nothing for any other text, and for one that has no line end.
 std::optional<std::string> DetectWideEncoding(std::string_view bytes);
 
 struct DetectedEncoding {

@@ -31,18 +31,34 @@ TEST(Encoding, isUtf8WithDamagedPlacesWhenMostOfItIs) {
   EXPECT_EQ(NameOf("a\nZ\xC3\xBCrich\ncut off\xC3"), "none");
 }
 
+/// Rows with a number and that text, in its encoding.
+std::string Rows(const std::string& text) {
+  std::string rows = "id,town,answer\n";
+  for (int row = 0; row < 12; ++row) rows += std::to_string(row) + "," + text + "\n";
+  return rows;
+}
+
 TEST(Encoding, ofOtherScriptsIsFoundByTheirLetters) {
-  // "the weather is good today, and tomorrow too" or so, several times.
-  std::string russian = "id,text\n";
-  std::string japanese = "id,text\n";
-  for (int i = 0; i < 20; ++i) {
-    russian += std::to_string(i) +
-               ",\xF1\xE5\xE3\xEE\xE4\xED\xFF \xF5\xEE\xF0\xEE\xF8\xE0\xFF \xEF\xEE\xE3\xEE\xE4\xE0 "
-               "\xE8 \xE7\xE0\xE2\xF2\xF0\xE0 \xF2\xEE\xE6\xE5\n";
-    japanese += std::to_string(i) + ",\x8D\xA1\x93\xFA\x82\xCD\x93V\x8B\x43\x82\xAA\x82\xA2\x82\xA2\x82\xC5\x82\xB7\n";
-  }
-  EXPECT_EQ(NameOf(russian), "windows-1251");
-  EXPECT_EQ(NameOf(japanese), "Shift_JIS");
+  // Moscow, central district; Novgorod, no answer
+  EXPECT_EQ(NameOf(Rows("\xCC\xEE\xF1\xEA\xE2\xE0,\xF6\xE5\xED\xF2\xF0\xE0\xEB\xFC\xED\xFB\xE9 \xEE\xEA\xF0\xF3\xE3\n"
+                        "9,\xCD\xEE\xE2\xE3\xEE\xF0\xEE\xE4,\xED\xE5\xF2 \xEE\xF2\xE2\xE5\xF2\xE0")),
+            "windows-1251");
+  // Tokyo, do not know
+  EXPECT_EQ(NameOf(Rows("\x93\x8C\x8B\x9E\x93s,\x82\xED\x82\xA9\x82\xE7\x82\xC8\x82\xA2")), "Shift_JIS");
+  // Beijing, very satisfied
+  EXPECT_EQ(NameOf(Rows("\xB1\xB1\xBE\xA9\xCA\xD0,\xB7\xC7\xB3\xA3\xC2\xFA\xD2\xE2")), "GB18030");
+}
+
+TEST(Encoding, ofLanguagesInLatinLettersIsFoundWhereTheirLettersSayIt) {
+  // Łódź, województwo łódzkie; Poznań, zupełnie się nie zgadzam
+  EXPECT_EQ(
+      NameOf(Rows("\xA3\xF3\x64\x9F,wojew\xF3\x64ztwo \xB3\xF3\x64zkie\n9,Pozna\xF1,zupe\xB3nie si\xEA nie zgadzam")),
+      "windows-1250");
+  // Köln, trifft überhaupt nicht zu; München, weiß nicht
+  EXPECT_EQ(NameOf(Rows("K\xF6ln,trifft \xFC\x62\x65rhaupt nicht zu\n9,M\xFCnchen,wei\xDF nicht")), "windows-1252");
+  // Names from many countries say nothing.
+  EXPECT_EQ(NameOf(Rows("Jos\xE9 Garc\xED\x61,Bogot\xE1\n9,S\xF8ren \xC5ngstr\xF6m,K\xF8\x62\x65nhavn")),
+            "windows-1252");
 }
 
 TEST(WideEncoding, isFoundByItsZeros) {
@@ -55,6 +71,8 @@ TEST(WideEncoding, isFoundByItsZeros) {
 TEST(WideEncoding, isNotSeenInOtherBytes) {
   EXPECT_FALSE(DetectWideEncoding("a,b\n1,2\n"));
   EXPECT_FALSE(DetectWideEncoding("a,b\nx\0y,2\n"sv)) << "a zero in a cell";
+  EXPECT_FALSE(DetectWideEncoding("a,b\r\n\xC3\xA9,\0\n"sv));
+  EXPECT_FALSE(DetectWideEncoding("a,b\n\0a,1\nx,y\n"sv));
   EXPECT_FALSE(DetectWideEncoding("a\0\0\0,\0\0\0"sv)) << "UTF-32";
   EXPECT_FALSE(DetectWideEncoding(""));
   std::mt19937 random(5);

@@ -377,6 +377,7 @@ class EmbeddedDictionary : public TableFiles {
  protected:
   OpenedDataset Open(const std::string& metadata) {
     fOptions.path = fFolder.Path("p.parquet");
+    std::filesystem::remove(fOptions.path);  // or it would be written beside it first, which is not allowed
     const DuckDBSession session(fOptions.path, 1);
     session.Run("COPY (SELECT 1 AS sex, 9 AS q) TO $1 (FORMAT parquet, KV_METADATA {" + metadata + "})",
                 [](const DuckDBChunk&) {});
