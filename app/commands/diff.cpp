@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -18,6 +19,7 @@
 
 #include "app/comparison/comparisonreport.h"
 #include "app/exitstatus.h"
+#include "app/memorysize.h"
 #include "app/moduleloader.h"
 #include "app/options.h"
 #include "app/pager.h"
@@ -176,6 +178,7 @@ bool IsDictionaryAlone(const Side& side, bool dictionaryOnly) {
 /// One of the two, read.
 struct OpenSide {
   std::shared_ptr<const runtime::data::Dataset> dataset;  // null: a dictionary alone
+  std::int64_t columnBytes = 0;
   ComparedTable table;
 };
 
@@ -195,8 +198,8 @@ class Differ {
     if (before.dataset == nullptr || after.dataset == nullptr || fOptions.dictionaryOnly) return report;
     report.distributionsCompared = true;
     const auto [countedBefore, countedAfter] = CountedOfBoth(report.comparison, *before.dataset, *after.dataset);
-    report.before.distributions = CountValues(before.dataset, countedBefore, fOptions.before.path);
-    report.after.distributions = CountValues(after.dataset, countedAfter, fOptions.after.path);
+    report.before.distributions = CountValues(before, countedBefore, fOptions.before.path);
+    report.after.distributions = CountValues(after, countedAfter, fOptions.after.path);
     CompareDistributions(report.before.distributions, report.after.distributions, fOptions.thresholds,
                          report.comparison);
     return report;
@@ -224,6 +227,7 @@ class Differ {
     const runtime::data::OpenedDataset opened = runtime::data::OpenDataset(options);
     SayNotes(opened.notes);
     open.dataset = opened.dataset;
+    open.columnBytes = opened.columnBytes;
     const std::optional<TableDescriptor> source = SourceOf(side);
     open.table = TableToCompare(opened.dataset->dictionary(), source ? &*source : nullptr);
     return open;
@@ -284,13 +288,13 @@ class Differ {
     return counted;
   }
 
-  runtime::data::Distributions CountValues(const std::shared_ptr<const runtime::data::Dataset>& dataset,
-                                           const Counted& counted, const std::string& path) {
-    if (counted.empty() || dataset->caseCount() == 0) return {};
+  runtime::data::Distributions CountValues(const OpenSide& side, const Counted& counted, const std::string& path) {
+    if (counted.empty() || side.dataset->caseCount() == 0) return {};
     if (!fModule) fModule.emplace(BesideProgram("codebook.so"));
     runtime::common::SessionOptions options;
     options.pool = fPool;
-    runtime::common::Session session(dataset, {{"CODEBOOK", fModule->Procedure("CODEBOOK")}}, options);
+    options.percentileMemory = MemoryForPercentiles(side.columnBytes);
+    runtime::common::Session session(side.dataset, {{"CODEBOOK", fModule->Procedure("CODEBOOK")}}, options);
     if (!session.Run(runtime::common::CountingCommand(counted)))
       for (const runtime::output::Message& message : session.report().messages)
         fSay(fmt::format("warning: {}: distributions are not compared: {}", path, message.text));
@@ -325,7 +329,10 @@ int RunDiff(int argc, const char* const* argv, const Saying& say) {
   const WriteReport write = [&](std::ostream& out) { WriteComparison(report, options, out); };
   const bool readOnTerminal = !options.output && options.format == Format::Text && StandardOutputIsTerminal();
   const std::string pager = readOnTerminal && options.pager ? WantedPager() : "";
-  if (pager.empty() || !ShowThroughPager(pager, write)) WriteReportTo(options.output, write);
+  const bool shown = !pager.empty() && ShowThroughPager(pager, write);
+  if (!pager.empty() && !shown)
+    say("warning: The pager \"" + pager + "\" cannot be started; the differences follow without it.");
+  if (!shown) WriteReportTo(options.output, write);
   return report.comparison.differs() ? kDiffer : kDone;
 }
 

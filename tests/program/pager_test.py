@@ -76,9 +76,9 @@ class Pager(ProgramTest):
                    if name not in ("PAGER", "CODEBOOK_PAGER", "LESS", "LV", "NO_COLOR")}
         return OnTerminal([data, *arguments], self.folder, {**without, **environment}, rows)
 
-    def run_on_terminal(self, *arguments, status=0, **environment):
+    def run_on_terminal(self, *arguments, data="data.csv", status=0, **environment):
         """What the terminal shows in the end."""
-        run = self.start(*arguments, **environment)
+        run = self.start(*arguments, data=data, **environment)
         self.assertEqual(run.finish(), status, run.shown)
         return run.shown
 
@@ -220,6 +220,23 @@ class Pager(ProgramTest):
         self.assertNotIn(COLOUR, self.run_on_terminal("--no-pager", TERM="dumb"))
         self.assertNotIn(COLOUR, self.run_on_terminal("--no-pager", TERM=""))
         self.assertNotIn(COLOUR, self.run_program("data.csv", TERM="xterm").out.decode())
+
+    def differences_on_terminal(self, *arguments, **environment):
+        self.write("new.csv", "a,c\n1,x\n2,y\n")
+        return self.run_on_terminal("data.csv", "new.csv", *arguments, data="diff", status=1, **environment)
+
+    def test_differencesGoThroughItAsReportsDo(self):
+        self.assertEqual(self.differences_on_terminal(CODEBOOK_PAGER="cat >seen"), "")
+        self.assertIn("1 variable added, 1 removed, 1 the same", self.seen())
+        self.assertIn("1 variable added", self.differences_on_terminal("--no-pager", CODEBOOK_PAGER="cat >other"))
+        self.assertIn("1 variable added", self.differences_on_terminal(CODEBOOK_PAGER="cat"))
+        self.assertFalse(os.path.exists(self.path("other")))
+
+    def test_differencesHaveColoursWhereReportsHaveThem(self):
+        self.assertIn(COLOUR, self.differences_on_terminal("--no-pager"))
+        self.assertNotIn(COLOUR, self.differences_on_terminal("--no-pager", NO_COLOR="1"))
+        self.assertNotIn(COLOUR, self.differences_on_terminal("--no-pager", TERM="dumb"))
+        self.assertNotIn(COLOUR, self.run_program("diff", "data.csv", "new.csv", TERM="xterm").out.decode())
 
 
 if __name__ == "__main__":
