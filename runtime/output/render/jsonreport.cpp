@@ -412,11 +412,18 @@ void JsonReportWriter::WriteContent(const CellContent& content) {
 void JsonReportWriter::WriteRaw(std::string_view json) { fJson += json; }
 
 void JsonReportWriter::WriteText(std::string_view text) {
-  const std::size_t begin = fJson.size();
-  AppendJsonText(fJson, text);
-  if (!fOptions.insideHtml) return;
-  for (std::size_t at = fJson.find('<', begin); at != std::string::npos; at = fJson.find('<', at))
-    fJson.replace(at, 1, "\\u003c");
+  if (!fOptions.insideHtml || text.find('<') == std::string_view::npos) {
+    AppendJsonText(fJson, text);
+    return;
+  }
+  std::string escaped;
+  AppendJsonText(escaped, text);
+  for (const char c : escaped) {
+    if (c == '<')
+      fJson += "\\u003c";
+    else
+      fJson += c;
+  }
 }
 
 void JsonReportWriter::WriteNumber(double number) { AppendJsonNumber(fJson, number); }
