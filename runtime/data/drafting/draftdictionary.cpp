@@ -65,6 +65,7 @@ class Drafting {
   std::vector<const SetGuess*> fSetOf;  // null: in none
   std::vector<SetGuess> fSets;
   std::set<std::string> fCodesSeen;
+  NamesInUse fSetNames;
 };
 
 Drafting::Drafting(const OpenedDataset& opened, machine::ThreadPool* pool) {
@@ -121,11 +122,8 @@ void Drafting::DraftSet(const SetGuess& guess) {
   constexpr std::size_t kLongestName = 32;
   const bool isName = guess.stem.find(' ') == std::string::npos && guess.stem.size() <= kLongestName;
   SetDescriptor set;
-  std::set<std::string> names;
-  for (const SetDescriptor& other : fDraft.table.sets) names.insert(FoldName(other.name));
   set.name = "$" + (isName ? MakeWellFormed(guess.stem) : fmt::format("set{}", fDraft.table.sets.size() + 1));
-  for (int number = 2; names.count(FoldName(set.name)) > 0; ++number)
-    set.name = fmt::format("${}_{}", isName ? MakeWellFormed(guess.stem) : "set", number);
+  set.name = fSetNames.Claim(set.name, 1);
   if (isName)
     set.label = LabelToDo("the set " + set.name);
   else

@@ -50,26 +50,27 @@ std::vector<Cut> CutsOf(std::string_view header) {
   return cuts;
 }
 
-bool GoTogether(const ColumnEvidence& a, const ColumnEvidence& b) {
-  if (a.setCells == SetCells::None || b.setCells == SetCells::None) return false;
-  if ((a.type == FieldType::String) != (b.type == FieldType::String)) return false;
-  if (a.setCells == b.setCells) return true;
-  const auto isNumeric = [](SetCells cells) { return cells >= SetCells::OneOrBlank; };
-  // An option that everybody chose.
-  return isNumeric(a.setCells) && isNumeric(b.setCells) &&
-         (a.setCells == SetCells::OneOrBlank || b.setCells == SetCells::OneOrBlank);
-}
+/// The kind of cells of neighbours taken in one by one. Those of an option that everybody chose (1 or nothing) go with
+/// any other numeric kind.
+class CommonKind {
+ public:
+  explicit CommonKind(const ColumnEvidence& first) : fKind(first.setCells), fIsText(first.type == FieldType::String) {}
 
-/// The kind of several that go together two by two; None when they do not.
-SetCells KindOf(const std::vector<ColumnEvidence>& evidence, std::size_t begin, std::size_t end) {
-  SetCells kind = SetCells::OneOrBlank;
-  for (std::size_t i = begin; i < end; ++i) {
-    if (evidence[i].setCells == SetCells::OneOrBlank) continue;
-    if (kind != SetCells::OneOrBlank && kind != evidence[i].setCells) return SetCells::None;
-    kind = evidence[i].setCells;
+  SetCells kind() const { return fKind; }
+  /// False, and nothing is taken in, when the column does not go with the others.
+  bool Take(const ColumnEvidence& next) {
+    const SetCells cells = next.setCells;
+    if (cells == SetCells::None || (next.type == FieldType::String) != fIsText) return false;
+    if (cells == fKind || (!fIsText && cells == SetCells::OneOrBlank)) return true;
+    if (fIsText || fKind != SetCells::OneOrBlank) return false;
+    fKind = cells;
+    return true;
   }
-  return kind;
-}
+
+ private:
+  SetCells fKind;
+  bool fIsText;
+};
 
 bool ShowsBothAnswers(const ColumnEvidence& evidence) {
   if (evidence.setCells == SetCells::OptionOrBlank) return true;
@@ -77,24 +78,20 @@ bool ShowsBothAnswers(const ColumnEvidence& evidence) {
   return evidence.numbers.size() == 2 || evidence.setCells == SetCells::OptionOrNot;
 }
 
-/// One past the last column that goes on with the stem and the kind of cells of the first.
-std::size_t EndOfRun(const std::vector<std::string>& headers, const std::vector<ColumnEvidence>& evidence,
-                     std::size_t begin, const Cut& cut) {
-  std::size_t end = begin + 1;
-  while (end < headers.size() && GoTogether(evidence[end - 1], evidence[end]) &&
-         KindOf(evidence, begin, end + 1) != SetCells::None && headers[end].size() > cut.stem.size() &&
-         std::string_view(headers[end]).substr(0, cut.stem.size()) == cut.stem)
-    ++end;
-  return end;
-}
+struct Run {
+  std::size_t end = 0;    // one past the last column
+  std::string_view stem;  // with its separator
+  SetCells kind = SetCells::None;
+};
 
-std::size_t EndOfBlankHeaders(const std::vector<std::string>& headers, const std::vector<ColumnEvidence>& evidence,
-                              std::size_t begin) {
+/// From a column on as far as the kind of cells is the same and `goesOn` holds for the header.
+template <typename GoesOn>
+Run RunFrom(std::size_t begin, const std::vector<std::string>& headers, const std::vector<ColumnEvidence>& evidence,
+            std::string_view stem, GoesOn goesOn) {
+  CommonKind kind(evidence[begin]);
   std::size_t end = begin + 1;
-  while (end < headers.size() && headers[end].empty() && GoTogether(evidence[end - 1], evidence[end]) &&
-         KindOf(evidence, begin, end + 1) != SetCells::None)
-    ++end;
-  return end;
+  while (end < headers.size() && goesOn(headers[end]) && kind.Take(evidence[end])) ++end;
+  return {end, stem, kind.kind()};
 }
 
 std::string_view WithoutSeparators(std::string_view stem) {
@@ -102,14 +99,9 @@ std::string_view WithoutSeparators(std::string_view stem) {
   return stem.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
-struct Run {
-  std::size_t end = 0;
-  std::string_view stem;  // with its separator
-};
-
 /// The best run that begins here; its end is `begin` when there is none.
 Run BestRun(const std::vector<std::string>& headers, const std::vector<ColumnEvidence>& evidence, std::size_t begin) {
-  if (evidence[begin].setCells == SetCells::None || headers[begin].empty()) return {begin, {}};
+  if (evidence[begin].setCells == SetCells::None || headers[begin].empty()) return {begin, {}, SetCells::None};
   const std::vector<Cut> cuts = CutsOf(headers[begin]);
   struct Try {
     bool strong;
@@ -119,12 +111,14 @@ Run BestRun(const std::vector<std::string>& headers, const std::vector<ColumnEvi
   for (const Try& each : {Try{true, 2}, Try{false, 3}, Try{false, 2}})
     for (const Cut& cut : cuts) {
       if (cut.isStrong != each.strong || WithoutSeparators(cut.stem).empty()) continue;
-      const std::size_t end = EndOfRun(headers, evidence, begin, cut);
-      if (end - begin >= each.least) return {end, cut.stem};
+      const Run run = RunFrom(begin, headers, evidence, cut.stem, [&cut](std::string_view header) {
+        return header.size() > cut.stem.size() && header.substr(0, cut.stem.size()) == cut.stem;
+      });
+      if (run.end - begin >= each.least) return run;
     }
-  if (const std::size_t end = EndOfBlankHeaders(headers, evidence, begin); end - begin >= 2)
-    return {end, headers[begin]};
-  return {begin, {}};
+  const Run run =
+      RunFrom(begin, headers, evidence, headers[begin], [](std::string_view header) { return header.empty(); });
+  return run.end - begin >= 2 ? run : Run{begin, {}, SetCells::None};
 }
 
 std::string OptionOf(const std::string& header, std::string_view stem, const ColumnEvidence& evidence) {
@@ -145,13 +139,13 @@ std::vector<SetGuess> GuessSets(const std::vector<std::string>& headers, const s
         run.end > begin && std::any_of(evidence.begin() + static_cast<std::ptrdiff_t>(begin),
                                        evidence.begin() + static_cast<std::ptrdiff_t>(run.end), ShowsBothAnswers);
     if (!shown) {
-      ++begin;
+      begin = std::max(begin + 1, run.end);
       continue;
     }
     SetGuess guess;
     guess.stem = WithoutSeparators(run.stem);
     guess.question = run.stem.substr(0, run.stem.find_last_not_of(" -:[") + 1);
-    guess.cells = KindOf(evidence, begin, run.end);
+    guess.cells = run.kind;
     std::set<std::string> options;
     for (; begin < run.end; ++begin) {
       guess.columns.push_back(begin);
