@@ -74,6 +74,13 @@ class Compressed(DataFiles):
             self.assertEqual(self.tables(name)[0], self.expected, name)
 
     @unittest.skipUnless(WITH_DUCKDB, "built without DuckDB")
+    def test_textsAmongNumbersOfJsonLinesAreTold(self):
+        self.write("data.jsonl", '{"a": 1, "b": "1"}\n{"a": "NA", "b": "NA"}\n')
+        result = self.run_program("data.jsonl", "-c", LITTLE)
+        self.assert_says(result, 'column "a" (holds whole numbers and "NA"', "stays text")
+        self.assertNotIn('"b"', result.messages())
+
+    @unittest.skipUnless(WITH_DUCKDB, "built without DuckDB")
     def test_badLineOfCompressedJsonLines(self):
         self.packed("data.jsonl.gz", '{"id": 1}\nno json\n')
         self.assert_refused(self.run_program("data.jsonl.gz"), 3, "data.jsonl.gz", "line 2")
@@ -189,6 +196,13 @@ class Sqlite(DataFiles):
         self.assertEqual(types["y"]["type"], "integer")
         self.assertEqual(types["y"]["from"], "data file")
         self.assert_refused(self.run_program("data.sqlite", "--table", "c"), 3, "no table", '"c"')
+
+    def test_textsAmongNumbersAreTold(self):
+        self.database("CREATE TABLE t (mixed, texts TEXT)", "INSERT INTO t VALUES (1, '1'), ('NA', 'NA'), (3, '3')")
+        result = self.run_program("data.sqlite", "-c", LITTLE)
+        self.assert_status(result, 0)
+        self.assert_says(result, 'column "mixed" (holds whole numbers and "NA" in 1 cell, first in row 2) stays text')
+        self.assertNotIn("texts", result.messages())
 
     def test_onlySqliteHasTables(self):
         self.write("plain.csv", CSV)

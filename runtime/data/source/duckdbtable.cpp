@@ -394,7 +394,7 @@ void DuckDBTable::DescribeJson(const std::vector<DuckDBColumn>& columns) {
     }
   });
   for (std::size_t column = 0; column < columns.size(); ++column) {
-    fColumns.push_back({columns[column].name, kinds[column].Type()});
+    fColumns.push_back({columns[column].name, kinds[column].Type(), kinds[column].numbers && kinds[column].texts});
     fPlans.push_back(PlanJson(columns[column].name, kinds[column].Type()));
   }
 }

@@ -20,6 +20,7 @@ namespace runtime::data {
 struct SourceColumn {
   std::string name;
   FieldType type = FieldType::String;  // never Inferred
+  bool isMixed = false;                // String, for there are texts among its numbers
 };
 
 /// Takes the cells of some rows of one column. Nothing may be kept beyond the call.

@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include "runtime/data/source/numbercolumn.h"
+#include "runtime/data/typing/typesteps.h"
 #include "runtime/data/typing/unreadablecells.h"
 
 namespace runtime::data {
@@ -212,6 +213,8 @@ TypedTable ReadSource(TableSource& table, const std::vector<ColumnPlan>& plans, 
   std::vector<const ColumnFacts*> facts;
   for (const TypedColumn& column : read.columns) facts.push_back(&column.facts);
   ReportUnreadableCells(source, facts, options.strict, notes);
+  NoteStrayCells(source, read.columns, plans, notes,
+                 [&](std::size_t column) { return table.columns()[column].isMixed; });
   return read;
 }
 

@@ -285,11 +285,13 @@ bool OftenMeansMissing(std::string_view cell) {
 }
 
 void NoteStrayCells(const std::string& source, const std::vector<TypedColumn>& columns,
-                    const std::vector<ColumnPlan>& plans, std::vector<Note>& notes) {
+                    const std::vector<ColumnPlan>& plans, std::vector<Note>& notes,
+                    const std::function<bool(std::size_t column)>& isLookedAt) {
   WordColumns ofWords;
   OddColumns ofOthers;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const TypedColumn& column = columns[i];
+    if (isLookedAt && !isLookedAt(i)) continue;
     if (!column.facts.inferred || !column.facts.isString() || column.facts.blankCells == column.facts.rows) continue;
     const StrayTexts stray = FindStrayTexts(*column.column.strings, MissingEntries(plans[i].missing, plans[i].dialect));
     if (stray.type == FieldType::Inferred) continue;

@@ -1,6 +1,8 @@
 // Why the type of an inferred column is not a narrower one, and cells that look as if they stood in its way.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,8 +20,10 @@ std::vector<TypeStep> StepsToType(const TypedColumn& column, const ColumnPlan& p
 bool OftenMeansMissing(std::string_view cell);
 
 /// Tells of columns that are texts only because of such words, in one note, and in another of those whose cells read as
-/// one narrower type but for a few (one in a hundred at most). `source` is the file. Throws SpillError.
+/// one narrower type but for a few (one in a hundred at most). `source` is the file; `isLookedAt` says
+/// of a column's place whether it is, empty: all are. Throws SpillError.
 void NoteStrayCells(const std::string& source, const std::vector<TypedColumn>& columns,
-                    const std::vector<ColumnPlan>& plans, std::vector<Note>& notes);
+                    const std::vector<ColumnPlan>& plans, std::vector<Note>& notes,
+                    const std::function<bool(std::size_t column)>& isLookedAt = {});
 
 }  // namespace runtime::data

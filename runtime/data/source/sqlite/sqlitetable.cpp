@@ -274,7 +274,8 @@ class SqliteTable : public TableSource {
       for (std::size_t column = 0; column < kinds.size(); ++column) kinds[column].Add(rows, static_cast<int>(column));
     }
     for (std::size_t column = 0; column < kinds.size(); ++column)
-      fColumns.push_back({rows.Name(static_cast<int>(column)), kinds[column].Type()});
+      fColumns.push_back({rows.Name(static_cast<int>(column)), kinds[column].Type(),
+                          kinds[column].others && (kinds[column].wholes || kinds[column].reals)});
   }
 
   // One stream: each of them steps through all rows.
