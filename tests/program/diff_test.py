@@ -177,6 +177,22 @@ class Diff(ProgramTest):
                 {"name": "r", "path": "old.csv", "schema": {"fields": FIELDS}}]}))
         self.assertTrue(self.report("1/datapackage.json", "2/datapackage.json", status=0)["same"])
 
+    def test_packageWithoutItsDataIsADictionary(self):
+        self.write("p/datapackage.json", json.dumps({"name": "p", "resources": [
+            {"name": "r", "path": "gone.csv", "schema": {"fields": FIELDS}}]}))
+        self.assert_refused(self.run_program("diff", "p/datapackage.json", "old.csv"), 3, "gone.csv")
+        report = self.report("p/datapackage.json", "old.csv", "--dictionary-only")
+        self.assertEqual([(c["code"], c["about"], c["old"]) for c in report["file"]], [("attribute-removed", "Name", "p")])
+        self.assertEqual(report["variables"], [])
+
+    def test_redcapDictionaryIsOne(self):
+        self.write("redcap.csv", "Variable / Field Name,Form Name,Field Type,Field Label,\"Choices, Calculations, OR Slider Labels\"\n"
+                                 "sex,f,radio,Sex,\"1, Male | 2, Female\"\n")
+        report = self.report("old.schema.json", "redcap.csv")
+        self.assertIsNone(report["new"]["cases"])
+        self.assertEqual([v["old"] for v in report["variables"] if v["status"] == "removed"], ["id", "age", "open"])
+        self.assertNotIn("value-label-changed", report["counts"]["changes"])
+
     def test_ddiDocumentsAreTheSameAsThemselves(self):
         for name in ("german/studies/demo.xml", "german/studies/svr_fb_studie.xml", "tiny/101.xml"):
             document = os.path.join(DDI, name)
