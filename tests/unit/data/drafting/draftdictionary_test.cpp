@@ -164,6 +164,13 @@ TEST_F(DraftOfData, isReadBackWithoutANote) {
   EXPECT_THAT(CheckDataset(opened, "t.csv", nullptr), IsEmpty());
 }
 
+TEST_F(DraftOfData, keepsItsGuessesWhenItIsRead) {
+  const OpenedDataset opened = ReadBack("Q1_1,Q1_2,x\n1,0,1\n0,1,2\n0,0,-9\n");
+  const auto isDraft = testing::Field(&ExtraProperty::name, "codebook.draft");
+  EXPECT_THAT(opened.reading->dictionary->extras, ElementsAre(isDraft));
+  EXPECT_THAT(opened.reading->dictionary->fields[2].extras, ElementsAre(isDraft));
+}
+
 TEST_F(DraftOfData, ofRepeatedHeadersMeetsItsColumnsAgain) {
   const OpenedDataset opened = ReadBack("a,a,A\n1,5,x\n2,6,y\n1,5,x\n2,6,y\n");
   EXPECT_EQ(opened.reading->fieldOfColumn, (std::vector<int>{0, 1, 2}));
