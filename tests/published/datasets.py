@@ -14,13 +14,16 @@ class Dataset:
 
     All paths are relative to the project's folder, in which the program runs."""
 
-    def __init__(self, name, arguments, files, dictionary, *, resource=None, separator=",", sets=False):
+    def __init__(self, name, arguments, files, dictionary, *, resource=None, separator=",", sets=False,
+                 encoding="utf-8", header_rows=1):
         self.name = name
         self.arguments = arguments
         self.files = files
         self.dictionary = dictionary  # a Table Schema, a Data Package (with `resource`) or a DDI-Codebook
         self.resource = resource
         self.separator = separator
+        self.encoding = encoding
+        self.header_rows = header_rows  # where there are several, the names are the dictionary's, by position
         self.command = f"CODEBOOK ALL {'$ALL ' if sets else ''}{FILE_INFORMATION}"
 
     def golden(self):
@@ -32,6 +35,7 @@ COUNTRIES = "tests/data/packages/country-codes"
 PAIR = "tests/data/packages/v1-v2/v2"
 BUDGET = "tests/data/published/household-budget/microdata_HBS_household_raw.csv"
 BUDGET_DDI = "tests/data/ddi/household-budget/HBS_2023_synth_ground-truth.xml"
+STAR_WARS = "tests/data/published/star-wars-survey"
 TINY = "tests/data/ddi/tiny/101"
 
 DATASETS = [
@@ -47,5 +51,7 @@ DATASETS = [
     Dataset("country-codes", [f"{COUNTRIES}/datapackage.json"], [f"{COUNTRIES}/data/country-codes.csv"],
             f"{COUNTRIES}/datapackage.json", resource="country-codes"),
     Dataset("household-budget", [BUDGET, "-d", BUDGET_DDI], [BUDGET], BUDGET_DDI, separator=";"),
+    Dataset("star-wars", [f"{STAR_WARS}/datapackage.json"], [f"{STAR_WARS}/StarWars.csv"], f"{STAR_WARS}/datapackage.json",
+            resource="survey", sets=True, encoding="windows-1252", header_rows=2),
     Dataset("tiny-survey", [f"{TINY}.csv", "-d", f"{TINY}.xml"], [f"{TINY}.csv"], f"{TINY}.xml"),
 ]

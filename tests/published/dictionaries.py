@@ -68,7 +68,7 @@ def inferred_kind(cells):
 class Dictionary:
     def __init__(self):
         self.variables = {}  # by the published name
-        self.sets = {}       # by name: label, the members' published names, the counted value
+        self.sets = {}       # by name: label, the members' published names, the counted value (None: a category set)
         self.weight = None
         self.title = None
 
@@ -100,7 +100,8 @@ def read_table_schema(schema, title):
     for field in schema["fields"]:
         dictionary.variables[field["name"]] = read_field(field, schema.get("missingValues", [""]))
     for a_set in own.get("multipleResponseSets", []):
-        dictionary.sets[a_set["name"]] = (a_set["label"], a_set["variables"], float(a_set["countedValue"]))
+        counted = float(a_set["countedValue"]) if a_set["type"] == "dichotomy" else None
+        dictionary.sets[a_set["name"]] = (a_set["label"], a_set["variables"], counted)
     return dictionary
 
 

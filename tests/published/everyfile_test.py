@@ -23,8 +23,8 @@ ENCODINGS = {"packages/parsing/deployments_encoding.csv": "windows-1252", "publi
 SEPARATORS = {"ddi/household-budget/microdata_HBS_household_raw.csv": ";",
               "ddi/household-budget/microdata_HBS_individual_raw.csv": ";",
               "published/household-budget/microdata_HBS_household_raw.csv": ";"}
-# Not to be counted by their looks: only the dialect of its package says what a record of it is.
-NEEDS_DIALECT = {"packages/parsing/deployments_dialect.csv"}
+# Not to be counted by their looks: only the dialect of the package says what a record of them is.
+NEEDS_DIALECT = {"packages/parsing/deployments_dialect.csv", "published/star-wars-survey/StarWars.csv"}
 
 # Described by a document that neither lists the file nor lies beside it under its name.
 WITH_DICTIONARY = [

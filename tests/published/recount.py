@@ -21,12 +21,14 @@ MAXCATS = 200
 FEW_VALUES = 24
 
 
-def read_columns(dataset):
+def read_columns(dataset, dictionary):
     """The published names and of each its cells, of all files one behind the other."""
     names, rows = None, []
     for path in dataset.files:
-        with open(os.path.join(PROJECT, path), encoding="utf-8", newline="") as file:
+        with open(os.path.join(PROJECT, path), encoding=dataset.encoding, newline="") as file:
             header, *body = csv.reader(file, delimiter=dataset.separator)
+        if dataset.header_rows > 1:
+            header, body = list(dictionary.variables), body[dataset.header_rows - 1:]
         if names is not None and names != header:
             raise ValueError(f"{path} has other columns")
         names = header
@@ -60,8 +62,8 @@ class Recount:
         self.report = json.loads(report)
         self.faults = []
         self.compared = 0
-        names, self.columns, self.cases = read_columns(dataset)
         self.dictionary = read_dictionary(dataset.dictionary, dataset.resource)
+        names, self.columns, self.cases = read_columns(dataset, self.dictionary)
         self.names = shown_names(names)
         self.weights = [Fraction(1)] * self.cases
         if self.dictionary.weight:
@@ -206,6 +208,9 @@ class Recount:
         texts = {category["text"]: cells[0]["text"] for path, category, cells in rows if path == ("Standard Attributes",)}
         self.same(f"{title}: Label", label, texts["Label"])
         found = [(category["text"], cells) for path, category, cells in rows if path == ("Multiple Response Categories",)]
+        if counted is None:
+            self.category_set(title, members, found)
+            return
         self.same(f"{title}: members", members, [name for name, _ in found])
         for name, cells in found:
             by_column = {cell["column"]: cell for cell in cells}
@@ -213,6 +218,20 @@ class Recount:
             weight = sum((w for value, w in zip(values, self.weights) if value == counted), Fraction(0))
             self.same(f"{title}: {name}: label", variable.label, by_column["Value"]["text"])
             self.count_and_percent(f"{title}: {name}", weight, by_column)
+
+
+    def category_set(self, title, members, found):
+        """A set of answers: of each answer the people who gave it, in whichever member."""
+        weight_of = {}
+        described = [self.described(name) for name in members]
+        for row, weight in enumerate(self.weights):
+            answers = {values[row] for variable, values in described
+                       if values[row] is not MISSING and values[row] not in variable.missing_codes()}
+            for answer in answers:
+                weight_of[answer] = weight_of.get(answer, 0) + weight
+        self.same(f"{title}: answers", sorted(weight_of), [answer for answer, _ in found])
+        for answer, cells in found:
+            self.count_and_percent(f"{title}: {answer}", weight_of[answer], {cell["column"]: cell for cell in cells})
 
 
 def rounded(exact, places):
