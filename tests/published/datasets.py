@@ -36,6 +36,7 @@ PAIR = "tests/data/packages/v1-v2/v2"
 BUDGET = "tests/data/published/household-budget/microdata_HBS_household_raw.csv"
 BUDGET_DDI = "tests/data/ddi/household-budget/HBS_2023_synth_ground-truth.xml"
 STAR_WARS = "tests/data/published/star-wars-survey"
+OPEN_SOURCE = "tests/data/published/open-source-survey/clean_negative_incidents"
 TINY = "tests/data/ddi/tiny/101"
 
 DATASETS = [
@@ -53,5 +54,6 @@ DATASETS = [
     Dataset("household-budget", [BUDGET, "-d", BUDGET_DDI], [BUDGET], BUDGET_DDI, separator=";"),
     Dataset("star-wars", [f"{STAR_WARS}/datapackage.json"], [f"{STAR_WARS}/StarWars.csv"], f"{STAR_WARS}/datapackage.json",
             resource="survey", sets=True, encoding="windows-1252", header_rows=2),
+    Dataset("open-source-survey", [f"{OPEN_SOURCE}.csv.gz"], [f"{OPEN_SOURCE}.csv.gz"], f"{OPEN_SOURCE}.schema.json", sets=True),
     Dataset("tiny-survey", [f"{TINY}.csv", "-d", f"{TINY}.xml"], [f"{TINY}.csv"], f"{TINY}.xml"),
 ]

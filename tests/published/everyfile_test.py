@@ -155,6 +155,22 @@ class EveryFileTest(unittest.TestCase):
                     self.assertTrue(json.loads(out)["fields"])
                     self.assertIn(TOLD.get(path, ""), err)
 
+    def test_theDictionaryOfTheOpenSourceSurveySaysWhatThePublishedMappingsSay(self):
+        folder = os.path.join(DATA, "published", "open-source-survey")
+        tables = {}
+        for name in ("question_text", "choice_text"):
+            with open(os.path.join(folder, name + ".csv"), encoding="utf-8", newline="") as file:
+                tables[name] = list(csv.DictReader(file))
+        with open(os.path.join(folder, "clean_negative_incidents.schema.json"), encoding="utf-8") as file:
+            fields = {field["name"]: field for field in json.load(file)["fields"]}
+        for row in tables["question_text"]:
+            field = fields[row["modeling_column"]]
+            self.assertEqual(f"{field['description']} | {field['title']}", row["column_2024"])
+        for row in tables["choice_text"]:
+            field = fields[row["modeling_column"]]
+            self.assertIn(row["response_2024"], field.get("categories", [field["title"]]))
+        self.assertEqual(len(tables["question_text"]), len(fields) - 2)
+
 
 if __name__ == "__main__":
     unittest.main()

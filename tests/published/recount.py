@@ -6,6 +6,7 @@ values, fractions of whole numbers, sorted lists. Prints what differs, and how m
 
 import argparse
 import csv
+import gzip
 import json
 import math
 import os
@@ -25,7 +26,8 @@ def read_columns(dataset, dictionary):
     """The published names and of each its cells, of all files one behind the other."""
     names, rows = None, []
     for path in dataset.files:
-        with open(os.path.join(PROJECT, path), encoding=dataset.encoding, newline="") as file:
+        opened = gzip.open if path.endswith(".gz") else open
+        with opened(os.path.join(PROJECT, path), "rt", encoding=dataset.encoding, newline="") as file:
             header, *body = csv.reader(file, delimiter=dataset.separator)
         if dataset.header_rows > 1:
             header, body = list(dictionary.variables), body[dataset.header_rows - 1:]
