@@ -10,7 +10,7 @@ std::string NumberWords(double number) {
   const bool plain = std::fabs(number) >= 1e-5 && std::fabs(number) < 1e17;
   char buffer[64];
   char* const end = plain ? std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed).ptr
-                                : std::to_chars(buffer, buffer + sizeof buffer, number).ptr;
+                          : std::to_chars(buffer, buffer + sizeof buffer, number).ptr;
   return {buffer, end};
 }
 

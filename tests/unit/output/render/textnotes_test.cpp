@@ -78,7 +78,8 @@ TEST(TextNotes, escapeWhatTheDataSay) {
 TEST(TextNotes, keepToTheWidthWhateverTheDataSay) {
   const std::string labels[] = {
       std::string(40'000, 'x'), "漢字かな交じり文漢字かな交じり文漢字かな交じり文",
-      "👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧"
+      "👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍"
+      "👧"
       "‍"
       "👦",
       "e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301",
