@@ -1,5 +1,6 @@
 """Whether dictionaries are valid: DDI against its schema with xmllint, Table Schema and Data Package against the profiles."""
 
+import gzip
 import json
 import os
 import subprocess
@@ -10,7 +11,7 @@ STANDARDS = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file_
 
 
 def profile(name):
-    with open(os.path.join(STANDARDS, "datapackage-2.0", name), encoding="utf-8") as file:
+    with gzip.open(os.path.join(STANDARDS, "datapackage-2.0", name + ".gz"), "rt", encoding="utf-8") as file:
         return jsonschema.Draft7Validator(json.load(file))
 
 
