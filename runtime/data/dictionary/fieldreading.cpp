@@ -65,7 +65,7 @@ void ReadCodebook(const JsonPlace& codebook, FieldDescriptor& field, const Schem
 
 /// The word of `type`: of a list such as ["integer", "null"] the one that is no null.
 std::optional<JsonPlace> FindTypeWord(const JsonPlace& place, Deviations& deviations) {
-  const std::optional<JsonPlace> type = place.Find("type");
+  std::optional<JsonPlace> type = place.Find("type");
   if (!type || !type->isList()) return type;
   std::vector<JsonPlace> words = type->Entries();
   words.erase(

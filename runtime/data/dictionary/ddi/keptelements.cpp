@@ -105,7 +105,7 @@ void KeptElements::KeepRestOf(const std::string& path, const std::string& key, p
   const auto keep = [&](const std::string& name, Json value) {
     Entry& entry = EntryOf("ddi:" + path + "/" + name);
     const auto [found, isNew] = entry.indexOfKey.emplace(key, entry.members.size());
-    if (isNew) entry.members.push_back({key, nullptr});
+    if (isNew) entry.members.emplace_back(key, nullptr);
     AppendTo(entry.members[found->second].second, std::move(value));
   };
   for (const pugi::xml_attribute attribute : element.attributes())
