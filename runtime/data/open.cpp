@@ -34,7 +34,7 @@ struct Input {
 
 /// What lies beside the files, if it is one for all of them.
 std::optional<std::string> FindDictionaryOfAll(const std::vector<std::string>& dataPaths) {
-  const std::optional<std::string> dictionary = FindDictionary(dataPaths.front());
+  std::optional<std::string> dictionary = FindDictionary(dataPaths.front());
   for (std::size_t i = 1; dictionary && i < dataPaths.size(); ++i)
     if (FindDictionary(dataPaths[i]) != dictionary) return std::nullopt;
   return dictionary;

@@ -209,7 +209,7 @@ class SqliteStream : public TableStream {
  public:
   /// `columns` says of each column of the query whether it is wanted as texts.
   SqliteStream(const SqliteFile& file, const std::string& sql, std::vector<bool> isText)
-      : fFile(file), fQuery(file, sql), fIsText(std::move(isText)), fNumbers(fIsText.size()), fTexts(fIsText.size()) {}
+      : fQuery(file, sql), fIsText(std::move(isText)), fNumbers(fIsText.size()), fTexts(fIsText.size()) {}
 
   std::size_t Next() override {
     for (std::size_t column = 0; column < fIsText.size(); ++column) {
@@ -254,7 +254,6 @@ class SqliteStream : public TableStream {
                                                                  : fQuery.Real(place));
   }
 
-  const SqliteFile& fFile;
   Query fQuery;
   std::vector<bool> fIsText;
   std::vector<std::vector<double>> fNumbers;
