@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <nlohmann/json.hpp>
+#include <string_view>
 
 #include <fmt/format.h>
 
+#include "runtime/data/dictionary/typewords.h"
 #include "runtime/data/typing/quotedcell.h"
 #include "runtime/data/typing/valuereader.h"
 #include "runtime/output/render/terminaltext.h"
@@ -19,29 +21,8 @@ using runtime::data::TypeDecision;
 using runtime::data::TypeOrigin;
 using runtime::data::TypeStep;
 
-const char* WordOf(FieldType type) {
-  switch (type) {
-    case FieldType::Integer:
-      return "integer";
-    case FieldType::Number:
-      return "number";
-    case FieldType::Boolean:
-      return "boolean";
-    case FieldType::Year:
-      return "year";
-    case FieldType::Date:
-      return "date";
-    case FieldType::DateTime:
-      return "datetime";
-    case FieldType::Time:
-      return "time";
-    case FieldType::YearMonth:
-      return "yearmonth";
-    case FieldType::Duration:
-      return "duration";
-    default:
-      return "string";
-  }
+std::string_view WordOf(FieldType type) {
+  return runtime::data::WordOfType(type == FieldType::Inferred ? FieldType::String : type);
 }
 
 const char* WordOf(TypeOrigin origin) {

@@ -2,6 +2,8 @@
 
 #include <unordered_map>
 
+#include "runtime/data/lowerascii.h"
+
 namespace runtime::data {
 namespace {
 
@@ -40,7 +42,7 @@ std::string Plain(const std::string& word) {
   std::string plain;
   for (const char byte : word) {
     if (byte == '-' || byte == '_' || byte == ' ') continue;
-    plain.push_back(byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte);
+    plain.push_back(LowerAscii(byte));
   }
   return plain;
 }

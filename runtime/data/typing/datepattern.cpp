@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "runtime/data/lowerascii.h"
 #include "runtime/data/typing/datetext.h"
 #include "runtime/data/typing/numbertext.h"
 #include "runtime/data/typing/quotedcell.h"
@@ -18,14 +19,12 @@ constexpr std::string_view kDays[] = {"monday", "tuesday", "wednesday", "thursda
 constexpr std::size_t kShortName = 3;
 constexpr std::string_view kPlainDirectives = "YymdjbBhaAHIMSfpzZe%";
 
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
-
-bool IsLetter(char c) { return Lower(c) >= 'a' && Lower(c) <= 'z'; }
+bool IsLetter(char c) { return LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z'; }
 
 bool BeginsWith(std::string_view text, std::string_view lowerWord) {
   if (text.size() < lowerWord.size()) return false;
   for (std::size_t i = 0; i < lowerWord.size(); ++i)
-    if (Lower(text[i]) != lowerWord[i]) return false;
+    if (LowerAscii(text[i]) != lowerWord[i]) return false;
   return true;
 }
 

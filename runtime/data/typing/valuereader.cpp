@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include "runtime/data/lowerascii.h"
 #include "runtime/data/typing/datetext.h"
 #include "runtime/data/typing/quotedcell.h"
 
@@ -26,8 +27,7 @@ bool IsMoment(FieldType type) {
 bool IsSpecialNumber(std::string_view text) {
   if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
   if (text.size() != 3) return false;
-  std::string lower;
-  for (const char c : text) lower.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c);
+  const std::string lower = LowerAscii(std::string(text));
   return lower == "inf" || lower == "nan";
 }
 
