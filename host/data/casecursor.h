@@ -2,6 +2,7 @@
 // aggregation library reads the columns.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -45,6 +46,47 @@ class HOST_API ChunkListener {
   virtual void CursorGone() = 0;
 };
 
+/// What a table counts: the values of one variable, or the responses of a set's members; no variable at all asks for
+/// the cases themselves.
+struct CountingRequest {
+  enum class Kind {
+    Categories,  // each value, or each member's response, of the variables together
+    Scale        // moments and percentiles of the one variable
+  };
+
+  Kind kind = Kind::Categories;
+  std::vector<int> variables;  // dictionary indices; of a set in set order
+
+  bool operator==(const CountingRequest& other) const { return kind == other.kind && variables == other.variables; }
+};
+
+/// Sums over the valid cases of a scale variable that were formed where the cases are. Each list's exact sum is meant,
+/// not its rounded one. Not owned.
+struct MomentParts {
+  const double* values = nullptr;  // of w x
+  std::size_t valueCount = 0;
+  const double* squares = nullptr;  // of w x^2
+  std::size_t squareCount = 0;
+};
+
+/// The groups that a source counted for one request. Over them a table counts what it would count over the cases: each
+/// row stands for as many cases as its weight says. The rows of a group cursor are as many as its longest list of
+/// groups has; a shorter list has none for the last of them.
+class HOST_API CaseGroups {
+ public:
+  virtual ~CaseGroups();
+  /// Rows of the cursor's present chunk that have a group; they are the chunk's first ones.
+  virtual std::size_t rows() const = 0;
+  /// One of the request's variables over these rows.
+  virtual ColumnView Column(int variable) const = 0;
+  /// Their weights, null when each is 1. Never negative, never NaN; the weight of a group may be spread over several
+  /// rows with the same values, where one double does not hold it exactly.
+  virtual const double* Weights() const = 0;
+  /// Of a scale request: the sums that hold instead of those over the rows, whose values then are right only for
+  /// percentiles. Null: the rows' own.
+  virtual const MomentParts* moments() const { return nullptr; }
+};
+
 /// One walk over the cases. Rows count from 0 over the whole dataset; -1 before the first case.
 class HOST_API CaseCursor {
  public:
@@ -68,6 +110,11 @@ class HOST_API CaseCursor {
   /// The weights of the chunk's rows, null when every weight is 1. Never negative, never NaN: a missing, negative,
   /// zero or infinite weight is 0 here.
   virtual const double* Weights() const = 0;
+
+  /// Of a cursor whose cases are groups: those that answer a request, owned by the cursor; may be asked for before the
+  /// first case only, and read from then on as Column and Weights are. Null for a cursor over cases, where Column and
+  /// Weights serve every table; a group cursor has neither.
+  virtual const CaseGroups* GroupsFor(const CountingRequest& request);
 
   /// True from the call of Next on that found no further case.
   bool exhausted() const { return fExhausted; }

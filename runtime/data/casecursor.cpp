@@ -9,7 +9,11 @@ StringTable::~StringTable() = default;
 
 ChunkListener::~ChunkListener() = default;
 
+CaseGroups::~CaseGroups() = default;
+
 CaseCursor::CaseCursor() = default;
+
+const CaseGroups* CaseCursor::GroupsFor(const CountingRequest&) { return nullptr; }
 
 // A derived class has said farewell already, while its columns could still be read; here only a forgotten farewell is
 // made good, so that no listener keeps a pointer to a cursor that is gone.

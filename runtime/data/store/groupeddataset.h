@@ -1,0 +1,55 @@
+// A dataset whose cases are counted elsewhere: its cursor walks over groups.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "host/data/casecursor.h"
+
+#include "runtime/data/dataset.h"
+#include "runtime/data/store/columnardataset.h"
+
+namespace runtime::data {
+
+/// The groups that answer one request.
+struct CountedGroups {
+  std::vector<StoredColumn> columns;  // one a variable of the request, each with `rows` cells
+  std::int64_t rows = 0;
+  std::vector<double> weights;  // one a row, none negative or NaN; empty: 1 each
+  bool isComplete = true;       // else there are more groups than were given: at least one
+  // Of a scale request where the source formed the sums itself, see MomentParts.
+  bool hasMoments = false;
+  std::vector<double> valueSums;
+  std::vector<double> squareSums;
+};
+
+/// Whoever counts. Errors throw DataError.
+class GroupSource {
+ public:
+  virtual ~GroupSource();
+  /// Answers all requests of a cursor at once, before its first case. Parallel to the requests.
+  virtual std::vector<CountedGroups> Count(const std::vector<CountingRequest>& requests) = 0;
+  /// All groups of a request that was not answered completely, in an order in which those given before come first.
+  virtual CountedGroups CountAll(const CountingRequest& request) = 0;
+};
+
+/// One cursor at a time.
+class GroupedDataset : public Dataset {
+ public:
+  /// `cases`: unweighted, may be more than kMostCases. `chunkRows`: most groups that a cursor hands out at once, 0: as
+  /// many as are good.
+  GroupedDataset(Dictionary dictionary, std::shared_ptr<GroupSource> source, std::int64_t cases,
+                 std::int64_t chunkRows = 0);
+  ~GroupedDataset() override;
+
+  std::unique_ptr<CaseCursor> NewCursor() const override;
+  std::int64_t caseCount() const override { return fCases; }
+
+ private:
+  std::shared_ptr<GroupSource> fSource;
+  std::int64_t fCases;
+  std::int64_t fChunkRows;
+};
+
+}  // namespace runtime::data
