@@ -3,15 +3,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <mutex>
-#include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
 
-#include "runtime/data/source/numbercolumn.h"
+#include "runtime/data/typing/readcolumn.h"
 #include "runtime/data/typing/typesteps.h"
 #include "runtime/data/typing/unreadablecells.h"
 
@@ -22,69 +20,6 @@ namespace {
 constexpr std::size_t kMostRowsOfGroup = 65'536;
 constexpr std::size_t kFewestRowsOfGroup = 256;
 constexpr std::size_t kCellsOfGroup = std::size_t{4} * 1024 * 1024;  // of all columns of the table
-
-/// Whether the file's own numbers serve for a declared type.
-bool NumbersServe(FieldType ofFile, FieldType declared) {
-  if (ofFile == declared) return true;
-  if (declared == FieldType::Number) return ofFile == FieldType::Integer;
-  return declared == FieldType::Integer && ofFile == FieldType::Number;
-}
-
-/// A column that is being read: its numbers as the file has them, or its texts, to be read by a plan.
-class ReadColumn : public ColumnSink {
- public:
-  ReadColumn(const SourceColumn& column, const ColumnPlan& plan) {
-    const bool inferred = plan.dialect.type == FieldType::Inferred;
-    const FieldType type = inferred ? column.type : plan.dialect.type;
-    if (type != FieldType::String && NumbersServe(column.type, type)) {
-      fNumbers = std::make_unique<NumberColumn>(column, type, inferred);
-      return;
-    }
-    fTyper = inferred ? MakeTextTyper(column.name) : MakeColumnTyper(plan, column.name);
-    fPiece = fTyper->NewPiece();
-  }
-
-  bool isText() const { return fTyper != nullptr; }
-
-  void Bytes(const std::int8_t* values, std::size_t count) override { fNumbers->Append(values, count); }
-  void Integers(const std::int32_t* values, std::size_t count) override { fNumbers->Append(values, count); }
-  void Numbers(const double* values, std::size_t count) override { fNumbers->Append(values, count); }
-  void Texts(const std::string_view* texts, std::size_t count) override {
-    for (auto cell = static_cast<std::uint32_t>(fCells.size()); cell < count; ++cell)
-      fCells.push_back({cell, Cell::kOwnText});
-    CellBlock block;
-    block.cells = fCells.data();
-    block.ownTexts = texts;
-    block.columns = 1;
-    block.stride = 1;
-    block.rows = count;
-    block.firstRow = static_cast<std::int64_t>(fPiece->rows());
-    fPiece->Append(block, 0);
-  }
-
-  /// Ends the rows of a group; cells and storage are theirs until they are stored.
-  void EndGroup() {
-    if (fPiece) fPiece->End();
-  }
-  ColumnStorage storage() const { return fPiece ? fPiece->storage() : fNumbers->part().storage(); }
-  /// Moves the cells to where they stay. `rowsBefore`: of the groups before.
-  void Store(std::byte* cells, std::size_t rows, std::int64_t rowsBefore) {
-    std::memcpy(cells, fPiece ? fPiece->cells() : fNumbers->part().cells(), rows * BytesPerCell(storage()));
-    if (!fPiece) return fNumbers->EndPart();
-    fTyper->Join(*fPiece, {rowsBefore, 0}, cells);
-    fPiece->Clear();
-  }
-
-  std::shared_ptr<const StringTable> strings() const { return fTyper ? fTyper->strings() : nullptr; }
-  ColumnFacts Finish() { return fTyper ? fTyper->Finish() : fNumbers->facts(); }
-
- private:
-  // Either the numbers, or the typer and the piece that is being filled.
-  std::unique_ptr<NumberColumn> fNumbers;
-  std::unique_ptr<ColumnTyper> fTyper;
-  std::unique_ptr<ColumnPiece> fPiece;
-  std::vector<Cell> fCells;  // places of texts, the same for each call
-};
 
 /// How far the reading of all columns is; what the threads that read share.
 class SharedReading {
