@@ -8,10 +8,9 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include "runtime/data/open.h"
-#include "tests/unit/data/open/datafolder.h"
+#include "tests/unit/data/source/sqlitefolder.h"
 
 namespace runtime::data {
 namespace {
@@ -20,17 +19,8 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class SqliteFiles : public testing::Test {
+class SqliteFiles : public SqliteFolder {
  protected:
-  std::string Write(const std::string& sql, const std::string& name = "t.sqlite") {
-    const std::string path = fFolder.path() + "/" + name;
-    sqlite3* database = nullptr;
-    EXPECT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
-    char* problem = nullptr;
-    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, &problem), SQLITE_OK) << problem;
-    sqlite3_close(database);
-    return path;
-  }
   static std::string ErrorOf(const std::string& path, const std::optional<std::string>& table = std::nullopt) {
     try {
       OpenSqliteTable(path, table);
@@ -39,8 +29,6 @@ class SqliteFiles : public testing::Test {
     }
     return "";
   }
-
-  DataFolder fFolder;
 };
 
 struct Collected : ColumnSink {
@@ -136,6 +124,13 @@ TEST_F(SqliteFiles, nothingIsWritten) {
   std::size_t files = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(fFolder.path())) ++files;
   EXPECT_EQ(files, 1U);
+}
+
+TEST_F(SqliteFiles, textsAreReadWhateverTheFileKeepsThemIn) {
+  const auto source = OpenSqliteTable(Write("PRAGMA encoding = 'UTF-16'; CREATE TABLE \"tÃ¤\" (s); INSERT INTO \"tÃ¤\" "
+                                            "VALUES ('Ã¤â¬ð')"),
+                                      std::nullopt);
+  EXPECT_THAT(ReadAll(*source)[0].cells, ElementsAre("Ã¤â¬ð"));
 }
 
 TEST_F(SqliteFiles, isOpenedAsADataset) {
