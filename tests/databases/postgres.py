@@ -58,6 +58,12 @@ CREATE ROLE {GUARDED} LOGIN IN ROLE {READER} PASSWORD '{PASSWORD.replace("'", "'
 CREATE DATABASE {DATABASE} OWNER {OWNER} TEMPLATE template0 ENCODING 'UTF8' LC_COLLATE 'C' LC_CTYPE 'C';
 """
 
+# What the owner makes, others may read.
+GRANTS = f"""
+ALTER DEFAULT PRIVILEGES GRANT USAGE ON SCHEMAS TO {READER};
+ALTER DEFAULT PRIVILEGES GRANT SELECT ON TABLES TO {READER};
+"""
+
 
 def programs():
     """The folder of the newest PostgreSQL's programs."""
@@ -171,6 +177,7 @@ class PostgresServers:
         for i, server in enumerate(started):
             server = self._wait(server)
             server.run(ROLES, database="postgres")
+            server.run(GRANTS)
             started[i] = server
             self.coordinator, self.workers = started[0], started[1:]
         if self.workers:
