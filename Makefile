@@ -31,19 +31,19 @@ examples: build  ## write the codebooks in examples/ anew
 	@scripts/examples
 
 test:  ## build for development, run every test
-	@scripts/setup build test
+	@scripts/setup build test databases
 	@$(call build,dev,)
 	@$(call run_tests,dev)
 
 test-asan: export ASAN_OPTIONS := detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
 test-asan: export UBSAN_OPTIONS := print_stacktrace=1
 test-asan:  ## the tests under the address and undefined-behaviour sanitizers
-	@scripts/setup build test
+	@scripts/setup build test databases
 	@$(call build,asan,)
 	@$(call run_tests,asan)
 
 test-tsan:  ## the tests under the thread sanitizer
-	@scripts/setup build test
+	@scripts/setup build test databases
 	@$(call build,tsan,)
 	@$(call run_tests,tsan)
 
@@ -58,7 +58,7 @@ test-browser:  ## the HTML report in Chromium; pages and pictures are kept in bu
 	@scripts/browser test $(CURDIR)/build/dev/codebook $(FILES)
 
 coverage:  ## branch coverage of codebook/; fails under 95 %
-	@scripts/setup build test coverage
+	@scripts/setup build test databases coverage
 	@$(call build,coverage,)
 	@find build/coverage -name '*.gcda' -delete
 	@$(call run_tests,coverage)

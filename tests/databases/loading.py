@@ -4,7 +4,7 @@ Kinds of source:
 
     sqlite      a table of one SQLite file
     postgres    a table of one PostgreSQL server
-    shards      a table of a PostgreSQL server partitioned by hash; the partitions are foreign tables on three workers. The
+    shards      a table of a PostgreSQL server, partitioned by hash; the partitions are foreign tables on three workers. The
                 key is the row (its first columns), so the bounds of the partitions hold for every row
     inherited   an empty table with three foreign children on the workers, rows dealt out in turn: equal rows on all workers
     workers     the tables of those workers, named one behind the other"""
@@ -24,7 +24,7 @@ from postgres import COORDINATOR, PostgresServers, require_driver  # noqa: E402
 SQLITE, POSTGRES, SHARDS, INHERITED, WORKERS = ALL = ("sqlite", "postgres", "shards", "inherited", "workers")
 WORKER_COUNT = 3
 MOST_KEY_COLUMNS = 32  # of a partitioned table of PostgreSQL
-INHERITED_SCHEMA = "inherited"
+PLAIN_SCHEMA, INHERITED_SCHEMA = "plain", "inherited"
 
 TEXT = "text"
 SQLITE_TYPES = {"integer": "INTEGER", "number": "REAL", "boolean": "INTEGER"}  # others are kept as texts
@@ -60,12 +60,12 @@ def exact_type(cells):
     kind = datafiles.column_type(cells)
     if kind in ("boolean", "date"):
         return kind
-    if kind not in ("integer", "number"):
+    if kind not in ("integer", "number") or any(float(cell) == 0 and cell[0] == "-" for cell in written):
         return TEXT
     if all(repr(float(cell)) in (cell, cell + ".0") for cell in written):
         return "number"
     decimals = {len(cell.partition(".")[2]) for cell in written}
-    return ("decimal", decimals.pop()) if len(decimals) == 1 and not any(float(cell) == 0 and cell[0] == "-" for cell in written) else TEXT
+    return ("decimal", decimals.pop()) if len(decimals) == 1 else TEXT
 
 
 def exact_types(rows):
@@ -87,7 +87,7 @@ class Databases:
                 require_driver()
                 self.server = PostgresServers(0 if set(self.kinds) <= {SQLITE, POSTGRES} else WORKER_COUNT)
                 self.server.__enter__()
-                self.server.coordinator.run(f"CREATE SCHEMA {INHERITED_SCHEMA};" + "".join(f"CREATE SCHEMA {schema};" for schema in all_leaf_schemas()))
+                self.server.coordinator.run("".join(f"CREATE SCHEMA {schema};" for schema in [PLAIN_SCHEMA, INHERITED_SCHEMA, *all_leaf_schemas()]))
                 for worker in self.server.workers:
                     worker.run(f"CREATE SCHEMA {INHERITED_SCHEMA};")
         except BaseException:
@@ -103,17 +103,19 @@ class Databases:
     def environment(self):
         return self.server.environment() if self.server else {}
 
-    def load(self, tables):
+    def load(self, tables, kinds=None):
+        """Makes the tables in the databases of these kinds; absent: of all."""
         tables = list(tables)
-        if SQLITE in self.kinds:
+        kinds = set(kinds or self.kinds)
+        if SQLITE in kinds:
             load_sqlite(self.sqlite_file(), tables)
-        if POSTGRES in self.kinds:
-            self.server.coordinator.run("".join(table_script("plain", table) for table in tables))
-        if SHARDS in self.kinds:
+        if POSTGRES in kinds:
+            self.server.coordinator.run("".join(table_script(PLAIN_SCHEMA, table) for table in tables))
+        if SHARDS in kinds:
             for worker in self.server.workers:
                 worker.run("".join(definition("public", table) + ";\n" for table in tables))
             self.server.coordinator.run("".join(partitioned_script(table) for table in tables))
-        if {INHERITED, WORKERS} & set(self.kinds):
+        if {INHERITED, WORKERS} & kinds:
             for i, worker in enumerate(self.server.workers):
                 worker.run("".join(table_script(INHERITED_SCHEMA, table, table.rows[i::WORKER_COUNT]) for table in tables))
             self.server.coordinator.run("".join(inherited_script(table) for table in tables))
@@ -127,7 +129,7 @@ class Databases:
             return ["sqlite:" + self.sqlite_file(), "--table", name]
         if kind == WORKERS:
             return [f"odbc:DSN=codebook_{worker.name}" for worker in self.server.workers] + ["--table", f'{INHERITED_SCHEMA}."{name}"']
-        schema = {POSTGRES: "plain", SHARDS: "public", INHERITED: INHERITED_SCHEMA}[kind]
+        schema = {POSTGRES: PLAIN_SCHEMA, SHARDS: "public", INHERITED: INHERITED_SCHEMA}[kind]
         return [f"odbc:DSN={COORDINATOR}", "--table", f'{schema}."{name}"']
 
 
@@ -199,7 +201,7 @@ def leaf_schema(kind, number):
 
 
 def all_leaf_schemas():
-    return ["plain"] + [leaf_schema(kind, i) for kind in (SHARDS, INHERITED) for i in range(WORKER_COUNT)]
+    return [leaf_schema(kind, i) for kind in (SHARDS, INHERITED) for i in range(WORKER_COUNT)]
 
 
 def partitioned_script(table):

@@ -162,7 +162,7 @@ class PostgresServers:
     def _start(self):
         template = self.folder.inside("template")
         self.folder.run([os.path.join(programs(), "initdb"), "-D", template, "-U", OWNER, "-E", "UTF8", "--locale=C", "-A", "trust",
-                         "--no-sync", "--no-instructions"])
+                         "--no-sync", "--no-instructions", "--wal-segsize=1"])
         names = ["coordinator"] + [f"worker{i + 1}" for i in range(self.worker_count)]
         for name in names:
             os.mkdir(self.folder.inside(name), 0o700)

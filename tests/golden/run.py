@@ -8,6 +8,7 @@ the case files, after showing the difference: to be read line by line before it 
 import argparse
 import collections
 import concurrent.futures
+import contextlib
 import difflib
 import itertools
 import os
@@ -15,10 +16,12 @@ import subprocess
 import sys
 import tempfile
 
-import datafiles
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, "databases"))
+
 from casefile import CaseError, find_cases
-from parquet import ParquetWriter
 from reportdump import as_text, dump_report
+from serverprocess import SKIPPED, NotInstalled
+from sources import DICTIONARY, Files, Tables
 
 THREADS = ("1", "2")
 # Cases that are counted at a time, and bytes of text that are read at a time.
@@ -27,30 +30,24 @@ SECONDS_A_RUN = 60
 
 
 class Runner:
-    def __init__(self, program, duckdb, quick):
+    def __init__(self, program, sources, quick):
         self.program = os.path.abspath(program)
-        self.parquet = ParquetWriter(duckdb) if duckdb else None
+        self.sources = sources
         # A slow build shows each source, each number of threads and each chunk size once rather than all together.
         self.settings = list(itertools.product(THREADS, PORTIONS))
         if quick:
             self.settings = [("1", (None, None)), ("2", ("3", "2000"))]
 
-    def kinds(self, case):
-        possible = datafiles.ALL if self.parquet else datafiles.WITHOUT_DUCKDB
-        wanted = case.sources() or possible
-        unknown = set(wanted) - set(datafiles.ALL)
-        if unknown:
-            raise CaseError(f"{case.path}: there is no source {', '.join(sorted(unknown))}; sources: {' '.join(datafiles.ALL)}")
-        return [kind for kind in wanted if kind in possible]
-
-    def outcome(self, case, folder, data, threads, portions):
+    def outcome(self, case, folder, place, threads, portions):
         """What the program says to the case, in the notation of the case file, and the facts beside the report."""
-        command = [self.program, data, "-F", "json", "-c", case.command(), "--threads", threads, *case.options()]
+        command = [self.program, *place.arguments, "-F", "json", "-c", case.command(), "--threads", threads, *case.options()]
         chunk_rows, segment_bytes = portions
         if chunk_rows:
             command += ["--chunk-rows", chunk_rows, "--segment-bytes", segment_bytes]
-        done = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, timeout=SECONDS_A_RUN, check=False)
-        out, err = (normalised(text.decode("utf-8"), folder, data) for text in (done.stdout, done.stderr))
+        done = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, timeout=SECONDS_A_RUN, check=False,
+                              env={**os.environ, **self.sources.environment()})
+        shown = {folder: "FOLDER", **place.shown}
+        out, err = (normalised(text.decode("utf-8"), shown) for text in (done.stdout, done.stderr))
         facts = ""
         if out:
             messages, report, facts = dump_report(out)
@@ -65,23 +62,23 @@ class Runner:
 
     def outcomes(self, case):
         """Of each run its name, its outcome and its facts."""
-        rows = case.rows()
-        for kind in self.kinds(case):
+        for kind in self.sources.kinds(case):
             with tempfile.TemporaryDirectory(prefix="golden.") as folder:
                 folder = os.path.realpath(folder)
-                data = datafiles.write_data(kind, folder, rows, self.parquet)
+                place = self.sources.place(kind, case, folder)
                 if case.dictionary() is not None:
-                    with open(os.path.join(folder, "data.schema.json"), "w", encoding="utf-8") as file:
+                    with open(os.path.join(folder, DICTIONARY), "w", encoding="utf-8") as file:
                         file.write(case.dictionary())
                 for threads, portions in self.settings:
                     name = f"{kind}, {threads} threads, chunks of {portions[0] or 'all'} rows"
-                    yield name, *self.outcome(case, folder, data, threads, portions)
+                    yield name, *self.outcome(case, folder, place, threads, portions)
 
 
-def normalised(text, folder, data):
-    """The folder and the ending of the data file are of no account."""
-    inside_json = folder.replace("\\", "\\\\")
-    return text.replace(inside_json, "FOLDER").replace(folder, "FOLDER").replace(os.path.basename(data), "DATAFILE")
+def normalised(text, shown):
+    """Names and places that differ from run to run are of no account."""
+    for words, stands_for in shown.items():
+        text = text.replace(words.replace("\\", "\\\\"), stands_for).replace(words, stands_for)
+    return text
 
 
 def difference(expected, got):
@@ -118,6 +115,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--program", required=True, help="the program to try")
     parser.add_argument("--duckdb", help="libduckdb.so, when the program was built with it: adds JSON lines and Parquet")
+    parser.add_argument("--databases", help="replay from tables of these databases instead of from files: a list with commas, see tests/databases/loading.py")
     parser.add_argument("--cases", default=os.path.dirname(os.path.abspath(__file__)), help="the folder of the cases (otherwise this one)")
     parser.add_argument("--quick", action="store_true", help="fewer combinations, for builds with sanitizers")
     parser.add_argument("--update", action="store_true", help="show what differs and write it into the case files")
@@ -128,11 +126,20 @@ def main():
 
     try:
         cases = find_cases(arguments.cases, arguments.case)
-        runner = Runner(arguments.program, arguments.duckdb, arguments.quick)
-        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        with contextlib.ExitStack() as stack:
+            if arguments.databases:
+                sources = stack.enter_context(Tables(arguments.databases.split(","), cases))
+            else:
+                sources = Files(arguments.duckdb)
+            cases = [case for case in cases if sources.kinds(case)]
+            runner = Runner(arguments.program, sources, arguments.quick)
+            pool = stack.enter_context(concurrent.futures.ThreadPoolExecutor(os.cpu_count()))
             results = list(pool.map(lambda case: compare(runner, case, arguments.update), cases))
     except CaseError as error:
         sys.exit(f"run.py: {error}")
+    except NotInstalled as reason:
+        print(f"skipped: {reason}")
+        sys.exit(SKIPPED)
     for faults, updated in results:
         print(faults + ("  written to the case file\n" if updated else ""), end="")
     failed = sum(bool(faults) for faults, _ in results)

@@ -43,8 +43,13 @@ class Case:
             with open(os.path.join(folder, name), "w", encoding="utf-8", newline="") as file:
                 file.write(text)
 
-    def arguments(self, folder):
-        arguments = [os.path.join(folder, "data.csv"), "-f", os.path.join(folder, "command.txt"), "-F", "json"]
+    def arguments(self, folder, data=None):
+        """`data` names the data where they do not lie in the case's own file."""
+        if data is None:
+            data = [os.path.join(folder, "data.csv")]
+        else:
+            data = data + ["-d", os.path.join(folder, self.dictionary)]
+        arguments = data + ["-f", os.path.join(folder, "command.txt"), "-F", "json"]
         return arguments if self.weight is None else arguments + ["--weight", self.weight]
 
 

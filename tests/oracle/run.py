@@ -7,18 +7,26 @@ are let pass; how many messages there are, how severe and from whom, is not."""
 
 import argparse
 import concurrent.futures
+import contextlib
+import csv
+import io
 import json
 import math
 import os
+import shlex
 import shutil
 import subprocess
 import sys
 import tempfile
 import traceback
 
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, "databases"))
+
+import loading
 from dictionary import read_dataset
 from generate import make_case
 from oracle import CHECK_FAILED, report_for
+from serverprocess import SKIPPED, NotInstalled
 from showing import ANY_TEXT
 
 SECONDS_A_CASE = 60
@@ -75,11 +83,12 @@ def message_differences(expected, got):
             yield f"messages[{i}].text", f"expected {one['begins']!r} first, got {other.get('text')!r}"
 
 
-def case_differences(program, case, folder):
+def case_differences(program, case, folder, data):
+    """`data`: the arguments that name the data where they do not lie in the case's own file."""
     dataset = read_dataset(os.path.join(folder, "data.csv"), os.path.join(folder, case.dictionary), case.weight)
     report, status = report_for(dataset, case.command)
     # Bytes that the program is not told about must not change it: no terminal, no locale but UTF-8.
-    done = subprocess.run([program] + case.arguments(folder), capture_output=True, timeout=SECONDS_A_CASE, check=False,
+    done = subprocess.run([program] + case.arguments(folder, data), capture_output=True, timeout=SECONDS_A_CASE, check=False,
                           stdin=subprocess.DEVNULL, env={**os.environ, "LC_ALL": "C.UTF-8"})
     if done.returncode != status:
         words = done.stderr.decode(errors="replace").strip().splitlines()[:3]
@@ -96,12 +105,12 @@ def case_differences(program, case, folder):
     return found
 
 
-def run_case(program, seed, number, folder, keep):
+def run_case(program, seed, number, folder, keep, data=None):
     case = make_case(seed, number)
     place = os.path.join(folder, f"case-{number}")
     case.write(place)
     try:
-        found = case_differences(program, case, place)
+        found = case_differences(program, case, place, data)
     except Exception:  # a fault of the oracle, or a program that hangs: shown like a difference
         found = [("comparison", traceback.format_exc())]
     if found and keep:
@@ -111,12 +120,28 @@ def run_case(program, seed, number, folder, keep):
     elif not found:
         shutil.rmtree(place)
     again = "" if keep else f"tests/oracle/generate.py {seed} {number} {place} && "
-    again += "codebook " + " ".join(a if a else "''" for a in case.arguments(place))
+    again += "codebook " + " ".join(shlex.quote(a) for a in case.arguments(place, data))
     return number, found, again, case.command
 
 
-def run_cases(program, seed, numbers, folder, keep):
-    return [run_case(program, seed, number, folder, keep) for number in numbers]
+def run_cases(program, seed, numbers, folder, keep, places):
+    return [run_case(program, seed, number, folder, keep, places.get(number)) for number in numbers]
+
+
+def put_into_databases(kinds, seed, numbers, stack):
+    """Of each case the arguments that name its table; the kinds take turns."""
+    databases = stack.enter_context(loading.Databases(kinds))
+    places, tables = {}, {kind: [] for kind in kinds}
+    for number in numbers:
+        case = make_case(seed, number)
+        kind = kinds[number % len(kinds)]
+        rows = list(csv.reader(io.StringIO(case.files["data.csv"], newline=""), strict=True))
+        tables[kind].append(loading.Table(f"case {number}", rows, loading.exact_types(rows)))
+        places[number] = databases.source(kind, f"case {number}")
+    for kind in kinds:
+        databases.load(tables[kind], [kind])
+    os.environ.update(databases.environment())
+    return places
 
 
 def show(result, limit):
@@ -134,6 +159,7 @@ def main():
     options.add_argument("--cases", type=int, default=2000)
     options.add_argument("--seed", type=int, default=1)
     options.add_argument("--first", type=int, default=0, help="number of the first case")
+    options.add_argument("--databases", help="take the data from tables of these databases: a list with commas, see tests/databases/loading.py")
     options.add_argument("--keep", help="folder for the files of cases that differ")
     options.add_argument("--jobs", type=int, default=2)
     options.add_argument("--show", type=int, default=5, help="how many failed cases to print")
@@ -145,10 +171,11 @@ def main():
     numbers = list(range(chosen.first, chosen.first + chosen.cases))
     tasks = [numbers[i:i + CASES_A_TASK] for i in range(0, len(numbers), CASES_A_TASK)]
     failed = 0
-    with tempfile.TemporaryDirectory(prefix="oracle-") as folder:
-        folder = os.path.realpath(folder)
+    with contextlib.ExitStack() as stack:
+        folder = os.path.realpath(stack.enter_context(tempfile.TemporaryDirectory(prefix="oracle-")))
+        places = put_into_databases(chosen.databases.split(","), chosen.seed, numbers, stack) if chosen.databases else {}
         with concurrent.futures.ProcessPoolExecutor(chosen.jobs) as pool:
-            runs = [pool.submit(run_cases, program, chosen.seed, task, folder, chosen.keep) for task in tasks]
+            runs = [pool.submit(run_cases, program, chosen.seed, task, folder, chosen.keep, places) for task in tasks]
             for run in runs:
                 for result in run.result():
                     if not result[1]:
@@ -161,4 +188,8 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    try:
+        sys.exit(main())
+    except NotInstalled as reason:
+        print(f"skipped: {reason}")
+        sys.exit(SKIPPED)

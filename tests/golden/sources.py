@@ -1,0 +1,80 @@
+"""Where the data of a case may lie: in files of several kinds, or in tables of several databases."""
+
+import os
+
+import datafiles
+import loading
+from casefile import CaseError
+from parquet import ParquetWriter
+
+DICTIONARY = "data.schema.json"
+
+# Cases whose outcome is another one where the data lie in a database: by kind ("*": in all), with the reason.
+EXCEPTIONS = {}
+
+
+class Place:
+    """Where the data of a case lie. `arguments` name them to the program; `shown` are the texts of these that a report or a
+    message may hold, with what stands for them in the case file."""
+
+    def __init__(self, arguments, shown):
+        self.arguments = arguments
+        self.shown = shown
+
+
+class Files:
+    """Data files, written anew for each case. The folder and the ending of a file are of no account."""
+
+    def __init__(self, duckdb):
+        self.parquet = ParquetWriter(duckdb) if duckdb else None
+
+    def kinds(self, case):
+        possible = datafiles.ALL if self.parquet else datafiles.WITHOUT_DUCKDB
+        wanted = case.sources() or possible
+        unknown = set(wanted) - set(datafiles.ALL)
+        if unknown:
+            raise CaseError(f"{case.path}: there is no source {', '.join(sorted(unknown))}; sources: {' '.join(datafiles.ALL)}")
+        return [kind for kind in wanted if kind in possible]
+
+    def place(self, kind, case, folder):
+        data = datafiles.write_data(kind, folder, case.rows(), self.parquet)
+        return Place([data], {os.path.basename(data): "DATAFILE"})
+
+    def environment(self):
+        return {}
+
+
+class Tables:
+    """Tables of databases, of the cases that make sense for data with types. The dictionary is named, for it lies beside
+    nothing; an address stands for the data's name and place."""
+
+    def __init__(self, kinds, cases):
+        self.databases = loading.Databases(kinds)
+        self.tables = [loading.Table(case.name, case.rows(), datafiles.column_types(case.rows())) for case in cases if is_typed(case)]
+
+    def __enter__(self):
+        self.databases.__enter__()
+        self.databases.load(self.tables)
+        return self
+
+    def __exit__(self, *_):
+        self.databases.__exit__()
+
+    def kinds(self, case):
+        if not is_typed(case):
+            return []
+        return [kind for kind in self.databases.kinds if not {kind, "*"} & set(EXCEPTIONS.get(case.name, {}))]
+
+    def place(self, kind, case, folder):
+        arguments = self.databases.source(kind, case.name)
+        shown = {argument: "DATAFILE" for argument in arguments if ":" in argument}
+        if case.dictionary() is not None:
+            arguments = arguments + ["-d", os.path.join(folder, DICTIONARY)]
+        return Place(arguments, shown)
+
+    def environment(self):
+        return self.databases.environment()
+
+
+def is_typed(case):
+    return case.sources() is None or "parquet" in case.sources()
