@@ -70,12 +70,13 @@ struct MomentParts {
 };
 
 /// The groups that a source counted for one request. Over them a table counts what it would count over the cases: each
-/// row stands for as many cases as its weight says. The rows of a group cursor are as many as its longest list of
-/// groups has; a shorter list has none for the last of them.
+/// row stands for as many cases as its weight says. A group cursor has at least as many rows as its longest list of
+/// groups; a shorter list has none for the last of them. What is said here may be asked by several threads at once.
 class HOST_API CaseGroups {
  public:
   virtual ~CaseGroups();
-  /// Rows of the cursor's present chunk that have a group; they are the chunk's first ones.
+  /// Rows of the cursor's present chunk that have a group; they are the chunk's first ones. To be asked only for a
+  /// table that has taken rows of the chunk: a list of which nobody has read the last groups may be cut off there.
   virtual std::size_t rows() const = 0;
   /// One of the request's variables over these rows.
   virtual ColumnView Column(int variable) const = 0;

@@ -69,4 +69,10 @@ ChunkWeights WeightScaler::Scale(const double* weights, std::size_t rows) {
   return result;
 }
 
+void WeightScaler::Release() {
+  fNarrow = {};
+  fBroad = {};
+  fBefore = {};
+}
+
 }  // namespace runtime::aggregation

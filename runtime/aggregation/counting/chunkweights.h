@@ -34,6 +34,8 @@ struct ChunkWeights {
 class WeightScaler {
  public:
   ChunkWeights Scale(const double* weights, std::size_t rows);
+  /// Gives the memory of what was scaled back.
+  void Release();
 
  private:
   static constexpr int kMostBits = 90;

@@ -95,6 +95,7 @@ void ScaleCounter::CountRows(const Chunk& chunk, std::size_t first, std::size_t 
     return;
   }
   const ColumnView column = chunk.Column(fIndex);
+  fMomentsAreGiven = chunk.moments() != nullptr;
   // Whole numbers of 16 bits are always few enough to be counted.
   const bool isShort = column.storage == ColumnStorage::Int8 || column.storage == ColumnStorage::Int16;
   const bool wantsValues = fWantsMoments || fWantsPercentiles;
@@ -206,7 +207,7 @@ void ScaleCounter::SumPending() {
   const bool isNarrow = std::exchange(fPendingIsNarrow, true);
   const int shift = std::exchange(fPendingShift, 0);
   fSummed = open.count;
-  if (!fWantsMoments || count == 0) return;
+  if (!fWantsMoments || fMomentsAreGiven || count == 0) return;
   if (itsWeights == nullptr)
     fMoments.AddUnits(values, count);
   else if (isNarrow)
@@ -271,10 +272,17 @@ ItemSketch ScaleCounter::Sketch() const {
   return sketch;
 }
 
-std::vector<double> ScaleCounter::Finish() {
-  SumSlots();
+void ScaleCounter::FinishMoments(const MomentParts* given) {
   SumPending();
-  if (fWantsMoments) AddCountedMoments(fFinished.counted);
+  if (!fWantsMoments) return;
+  if (given == nullptr) return AddCountedMoments(fFinished.counted);
+  fMoments = MomentSums();
+  fMoments.AddParts({given->values, given->valueCount}, {given->squares, given->squareCount});
+}
+
+std::vector<double> ScaleCounter::Finish(const MomentParts* given) {
+  SumSlots();
+  FinishMoments(given);
 
   std::vector<double> cutPoints;
   for (const AggregationStatistic& statistic : fStatistics)

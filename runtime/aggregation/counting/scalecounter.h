@@ -31,9 +31,10 @@ class ScaleCounter {
 
   /// Throws machine::SpillError, as does Finish.
   void CountRows(const Chunk& chunk, std::size_t first, std::size_t count);
-  /// The values of the statistics, parallel to their list. System-missing is NaN. REQUIRES: after this no more rows are
-  /// counted, nor is this called again.
-  std::vector<double> Finish();
+  /// The values of the statistics, parallel to their list. System-missing is NaN. `given`: the sums over all rows that
+  /// hold for the moments; null: those over the rows counted. REQUIRES: after this no more rows are counted, nor is
+  /// this called again.
+  std::vector<double> Finish(const MomentParts* given = nullptr);
   /// The weight of all rows. REQUIRES: Finish.
   WeightTotal total() const;
   /// What was counted of the variable. Throws machine::SpillError. REQUIRES: Finish; constructed with `sketches`.
@@ -50,6 +51,7 @@ class ScaleCounter {
   /// first.
   std::size_t TakeIntoBlock(const double* values, std::size_t count, const ChunkWeights& weights, std::size_t row);
   void SumPending();
+  void FinishMoments(const MomentParts* given);
   void AddCountedMoments(const std::vector<std::pair<double, WeightTotal>>& counted);
   void SumSlots();
   bool hasNumbers() const { return fIndex >= 0 && !fIsString; }
@@ -70,6 +72,7 @@ class ScaleCounter {
   // least thousands at a time, and a chunk may have a few rows only.
   KeptValues fValues;
   MomentSums fMoments;
+  bool fMomentsAreGiven = false;  // with the chunk that was counted last: the values need not be summed
   std::size_t fSummed = 0;
   bool fPendingIsNarrow = true;  // weights of the pending values: whole multiples of 2^-fPendingShift
   int fPendingShift = 0;

@@ -92,6 +92,11 @@ void MomentSums::AddCounted(double value, const WeightTotal& weight) {
   fWideSquares += wideProduct * exactValue;
 }
 
+void MomentSums::AddParts(std::span<const double> products, std::span<const double> squares) {
+  for (const double part : products) fSum.Add(part);
+  for (const double part : squares) fSquares.Add(part);
+}
+
 double MomentSums::Mean(const WeightTotal& weight) const {
   if (weight.IsZero()) return std::numeric_limits<double>::quiet_NaN();
   return NearestQuotient(Sum(), weight.Exact());

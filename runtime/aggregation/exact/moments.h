@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "runtime/aggregation/exact/dyadic.h"
 #include "runtime/aggregation/exact/fixedsum.h"
@@ -24,6 +25,8 @@ class MomentSums {
   void AddInUnits(const double* values, const std::uint64_t* units, int shift, std::size_t count);
   /// One value with the sum of its weights.
   void AddCounted(double value, const WeightTotal& weight);
+  /// Parts of the two sums themselves.
+  void AddParts(std::span<const double> products, std::span<const double> squares);
 
   /// Sum(w x) / W, rounded once; system-missing when W is 0.
   double Mean(const WeightTotal& weight) const;

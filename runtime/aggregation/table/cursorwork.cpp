@@ -52,7 +52,7 @@ std::shared_ptr<CursorWork> CursorWork::Of(CaseCursor& cursor) {
 
 CursorWork::CursorWork(CaseCursor& cursor)
     : fCursor(&cursor),
-      fChunk{&cursor, {}},
+      fChunk(cursor, cursor.GroupsFor({})),
       fWantsSketches(AreSketchesWanted()),
       fFromTheBeginning(cursor.chunkBegin == 0 && !cursor.exhausted()),
       fMemory(std::make_shared<ValueMemory>(MemoryForValues())) {
@@ -71,13 +71,9 @@ void CursorWork::Remove(TableEngine& table) {
   if (found != fTables.end()) fTables.erase(found);
 }
 
-const Chunk& CursorWork::PresentChunk() {
-  if (fScaledChunk != fCursor->chunkBegin) {
-    const auto rows = static_cast<std::size_t>(fCursor->chunkEnd - fCursor->chunkBegin);
-    fChunk.weights = fScaler.Scale(fCursor->Weights(), rows);
-    fScaledChunk = fCursor->chunkBegin;
-  }
-  return fChunk;
+std::unique_ptr<ScaledChunk> CursorWork::GroupsFor(const CountingRequest& request) {
+  const CaseGroups* const groups = fCursor->GroupsFor(request);
+  return groups == nullptr ? nullptr : std::make_unique<ScaledChunk>(*fCursor, groups);
 }
 
 /// Calls work(table) for the tables, in tasks of about the same size; `cells` are those of all.
@@ -112,24 +108,26 @@ void CursorWork::SearchAhead() {
   machine::ThreadPool* pool = PoolOfThread();
   if (pool == nullptr || pool->threads() == 1) return;
   std::vector<TableEngine*> searching;
-  for (TableEngine* table : fTables)
-    if (table->WantsSearch()) searching.push_back(table);
-  const std::size_t cells = searching.size() * static_cast<std::size_t>(fCursor->chunkEnd - fCursor->chunkBegin);
+  std::size_t cells = 0;
+  for (TableEngine* table : fTables) {
+    if (!table->WantsSearch()) continue;
+    searching.push_back(table);
+    cells += table->RowsToSearch();
+  }
   if (cells < kCellsWorthSharing) return;
-  const Chunk& chunk = PresentChunk();
-  ShareOut(*pool, searching, cells, [&chunk](TableEngine& table) { table.SearchChunk(chunk); });
+  ShareOut(*pool, searching, cells, [](TableEngine& table) { table.SearchChunk(); });
 }
 
 void CursorWork::LeaveChunk() {
   if (fFailure) return;
   try {
     CountPending();
-    fAllCases.AddRows(0, static_cast<std::size_t>(fCursor->chunkEnd - fCursor->chunkBegin), PresentChunk().weights, 0);
+    const Chunk& chunk = PresentChunk();
+    fAllCases.AddRows(0, chunk.rows(), chunk.weights, 0);
   } catch (...) {
     fFailure = std::current_exception();
     if (!fCursor->leaving()) throw;
   }
-  fScaledChunk = -1;
 }
 
 std::optional<WeightTotal> CursorWork::AllCases() const {

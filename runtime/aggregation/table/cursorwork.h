@@ -19,8 +19,8 @@ namespace runtime::aggregation {
 class TableEngine;
 
 /// Works the tables' pending rows through before the cursor leaves a chunk, and scales the chunk's weights once for all
-/// of them. The tables are independent of each other within a chunk, and so are their results behind the last one: both
-/// are shared out among the threads of the calling thread's binding.
+/// of them, unless each has groups of its own. The tables are independent of each other within a chunk, and so are
+/// their results behind the last one: both are shared out among the threads of the calling thread's binding.
 class CursorWork : public ChunkListener {
  public:
   /// The one of this cursor on the calling thread.
@@ -35,8 +35,11 @@ class CursorWork : public ChunkListener {
   void Remove(TableEngine& table);
 
   const CaseCursor& cursor() const { return *fCursor; }
-  /// REQUIRES: the cursor stands in a chunk.
-  const Chunk& PresentChunk();
+  /// The groups that a table counts instead of cases; null where the cursor walks over cases. REQUIRES: before the
+  /// first case, for a request that no table has had yet.
+  std::unique_ptr<ScaledChunk> GroupsFor(const CountingRequest& request);
+  /// Over groups those that stand for the cases themselves. REQUIRES: the cursor stands in a chunk.
+  const Chunk& PresentChunk() { return fChunk.Present(); }
 
   /// Searches the rest of the chunk for new values in all tables that want it, once a chunk, where several threads can
   /// share the work.
@@ -65,13 +68,11 @@ class CursorWork : public ChunkListener {
 
   CaseCursor* fCursor;  // null when it is gone
   std::vector<TableEngine*> fTables;
-  WeightScaler fScaler;
-  Chunk fChunk;
+  ScaledChunk fChunk;
   WeightSums fAllCases;  // in its one slot: of the chunks left so far
   const bool fWantsSketches;
   const bool fFromTheBeginning;      // none was left before
-  std::int64_t fScaledChunk = -1;    // chunkBegin of the chunk whose weights are scaled; negative: none
-  std::int64_t fSearchedChunk = -1;  // the same of the one that was searched ahead
+  std::int64_t fSearchedChunk = -1;  // chunkBegin of the chunk that was searched ahead; negative: none
   std::shared_ptr<ValueMemory> fMemory;
   bool fResultsBegan = false;
   std::exception_ptr fFailure;

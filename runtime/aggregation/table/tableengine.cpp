@@ -29,6 +29,17 @@ const CaseCursor& NoCursor() {
   return cursor;
 }
 
+std::vector<int> EachOnce(const std::vector<int>& variables) {
+  std::vector<int> once;
+  for (const int variable : variables)
+    if (std::find(once.begin(), once.end(), variable) == once.end()) once.push_back(variable);
+  return once;
+}
+
+bool IsInDictionary(int variable, const MAVO_DataSource& source) {
+  return variable >= 0 && variable < static_cast<int>(source.ColumnCount());
+}
+
 /// A table's dimension of the kind that Base names.
 template <class Base>
 class CountedDimension final : public Base {
@@ -83,6 +94,7 @@ TableDimension* TableEngine::PutDimension() {
 void TableEngine::CreateTableDimension() {
   if (fDimension == nullptr || fTableDimension != nullptr) return;
   fCounter = MakeDimensionCounter(*fDimension, fSource);
+  fDimensionGroups = fWork->GroupsFor({CountingRequest::Kind::Categories, EachOnce(fDimension->variables())});
   switch (fDimension->kind()) {
     case AggregationVariable::Kind::Variable:
       fTableDimension.reset(PutDimension<TableDimension>());
@@ -100,14 +112,23 @@ void TableEngine::CreateTableDimension() {
 
 void TableEngine::AddScaleStatistics(const std::vector<AggregationStatistic>& statistics) {
   fScaleStatistics.insert(fScaleStatistics.end(), statistics.begin(), statistics.end());
-  if (!fScaleStatistics.empty())
-    fScaleCounter = std::make_unique<ScaleCounter>(fScaleStatistics, fSource, fWork->memory(), fSketches);
+  if (fScaleStatistics.empty()) return;
+  fScaleCounter = std::make_unique<ScaleCounter>(fScaleStatistics, fSource, fWork->memory(), fSketches);
+  CountingRequest request;  // of statistics without a variable: the cases
+  if (const int variable = fScaleStatistics.front().GetVariable(); IsInDictionary(variable, fSource))
+    request = {CountingRequest::Kind::Scale, {variable}};
+  fScaleGroups = fWork->GroupsFor(request);
 }
 
 void TableEngine::SetCellStatistics(std::vector<AggregationStatistic> perCategory,
                                     std::vector<AggregationStatistic> inTotal) {
   fPerCategory = std::move(perCategory);
   fInTotal = std::move(inTotal);
+}
+
+TableEngine::RowRange TableEngine::RowsOf(const Chunk& chunk, RowRange range) {
+  const std::size_t end = std::min(range.first + range.count, chunk.rows());
+  return {range.first, end > range.first ? end - range.first : 0};
 }
 
 TableEngine::RowRange TableEngine::PendingInChunk() const {
@@ -144,27 +165,47 @@ int TableEngine::NumberOfValues() {
     fSearchedUpTo = pending.first;
   }
   if (pending.count == 0) return fTable.fProgress.watch.count;
-  const std::size_t end = pending.first + pending.count;
   if (WantsSearch()) fWork->SearchAhead();
-  SearchUpTo(fWork->PresentChunk(), end);
+  const Chunk& chunk = PresentOfDimension();
+  const std::size_t rows = chunk.rows();
+  const std::size_t end = std::min(pending.first + pending.count, rows);
+  SearchUpTo(chunk, end);
   KeepFoundBefore(end);
-  const std::size_t knownUpTo = fKept < fFound.size() ? fFound[fKept].row : fSearchedUpTo;
-  fTable.fProgress.watch.nextNewRow = fWork->cursor().chunkBegin + static_cast<std::int64_t>(knownUpTo);
+  const CaseCursor& cursor = fWork->cursor();
+  if (fKept < fFound.size())
+    fTable.fProgress.watch.nextNewRow = cursor.chunkBegin + static_cast<std::int64_t>(fFound[fKept].row);
+  else if (fSearchedUpTo < rows)
+    fTable.fProgress.watch.nextNewRow = cursor.chunkBegin + static_cast<std::int64_t>(fSearchedUpTo);
+  else
+    fTable.fProgress.watch.nextNewRow = cursor.chunkEnd;
   return fTable.fProgress.watch.count;
+}
+
+void TableEngine::FlushDimension(RowRange pending) {
+  const Chunk& chunk = PresentOfDimension();
+  const RowRange rows = RowsOf(chunk, pending);
+  if (fSearches && rows.count > 0) {
+    const std::size_t end = rows.first + rows.count;
+    SearchUpTo(chunk, end);
+    KeepFoundBefore(end);
+    ForgetFound();
+  }
+  if (rows.count > 0) fCounter->CountRows(chunk, rows.first, rows.count);
+  if (fDimensionGroups != nullptr) fDimensionGroups->ReleaseWeights();
+}
+
+void TableEngine::FlushScale(RowRange pending) {
+  const Chunk& chunk = PresentOfScale();
+  const RowRange rows = RowsOf(chunk, pending);
+  if (rows.count > 0) fScaleCounter->CountRows(chunk, rows.first, rows.count);
+  if (fScaleGroups != nullptr) fScaleGroups->ReleaseWeights();
 }
 
 void TableEngine::Flush() {
   const RowRange pending = PendingInChunk();
   if (pending.count > 0) {
-    const Chunk& chunk = fWork->PresentChunk();
-    if (fSearches) {
-      const std::size_t end = pending.first + pending.count;
-      SearchUpTo(chunk, end);
-      KeepFoundBefore(end);
-      ForgetFound();
-    }
-    if (fCounter != nullptr) fCounter->CountRows(chunk, pending.first, pending.count);
-    if (fScaleCounter != nullptr) fScaleCounter->CountRows(chunk, pending.first, pending.count);
+    if (fCounter != nullptr) FlushDimension(pending);
+    if (fScaleCounter != nullptr) FlushScale(pending);
   }
   fTable.fProgress.pending.begin = fTable.fProgress.pending.end;
   fTable.fProgress.watch.nextNewRow = fSearches ? fTable.fProgress.pending.end : -1;
@@ -176,11 +217,25 @@ bool TableEngine::WantsSearch() const {
   return pending.first == 0 && pending.count > 0;
 }
 
-void TableEngine::SearchChunk(const Chunk& chunk) { SearchUpTo(chunk, chunk.rows()); }
+void TableEngine::SearchChunk() {
+  const Chunk& chunk = PresentOfDimension();
+  SearchUpTo(chunk, chunk.rows());
+}
+
+std::size_t TableEngine::RowsToSearch() const {
+  if (fDimensionGroups != nullptr) return fDimensionGroups->unweighted().rows();
+  return static_cast<std::size_t>(fWork->cursor().chunkEnd - fWork->cursor().chunkBegin);
+}
 
 std::size_t TableEngine::PendingCells() const {
+  const RowRange pending = PendingInChunk();
+  if (pending.count == 0) return 0;
   const std::size_t columns = fDimension == nullptr ? 1 : std::max<std::size_t>(1, fDimension->variables().size());
-  return PendingInChunk().count * columns;
+  if (fDimensionGroups == nullptr && fScaleGroups == nullptr) return pending.count * columns;
+  std::size_t cells = 0;
+  if (fDimensionGroups != nullptr) cells += RowsOf(fDimensionGroups->unweighted(), pending).count * columns;
+  if (fScaleGroups != nullptr) cells += RowsOf(fScaleGroups->unweighted(), pending).count;
+  return cells;
 }
 
 void TableEngine::LeaveChunk() {
@@ -209,6 +264,8 @@ void TableEngine::CursorGone(const std::optional<WeightTotal>& allCases) {
 void TableEngine::Detach() {
   if (fWork != nullptr) fWork->Remove(*this);
   fWork.reset();
+  fDimensionGroups.reset();
+  fScaleGroups.reset();
   fTable.fCursor = &NoCursor();
   // No row follows these, and none is beyond what the watch knows.
   fTable.fProgress.pending = {-2, -2};
@@ -273,7 +330,7 @@ void TableEngine::MakeResults(const std::optional<WeightTotal>& allCases) {
     if (fSketches && countedAll(fCounts.total)) fSketch = SketchOfDimension();
   }
   if (fScaleCounter != nullptr) {
-    fScaleResults = fScaleCounter->Finish();
+    fScaleResults = fScaleCounter->Finish(fScaleGroups == nullptr ? nullptr : fScaleGroups->unweighted().moments());
     if (fSketches && countedAll(fScaleCounter->total())) fSketch = fScaleCounter->Sketch();
     fScaleCounter.reset();
   }

@@ -41,7 +41,9 @@ class TableEngine {
   /// Whether the table follows its values and has taken the chunk's first rows, so that it will take most of the
   /// others: then the whole chunk may be searched at once, by any thread.
   bool WantsSearch() const;
-  void SearchChunk(const Chunk& chunk);
+  void SearchChunk();
+  /// Rows that SearchChunk looks at.
+  std::size_t RowsToSearch() const;
   /// Cells of the pending rows.
   std::size_t PendingCells() const;
   /// Ends the counting, as does Finish: the columns cannot be read any more. `allCases` as in ComputeResults. Does not
@@ -84,8 +86,17 @@ class TableEngine {
     std::size_t count;
   };
 
-  /// The pending rows as rows of the chunk; count 0 when there are none.
+  /// The pending rows as rows of the cursor's chunk; count 0 when there are none.
   RowRange PendingInChunk() const;
+  /// Those of the rows that the chunk has: of groups it may have fewer than the cursor's.
+  static RowRange RowsOf(const Chunk& chunk, RowRange range);
+  // What is counted in the present chunk; PresentX with scaled weights.
+  const Chunk& PresentOfDimension() {
+    return fDimensionGroups == nullptr ? fWork->PresentChunk() : fDimensionGroups->Present();
+  }
+  const Chunk& PresentOfScale() { return fScaleGroups == nullptr ? fWork->PresentChunk() : fScaleGroups->Present(); }
+  void FlushDimension(RowRange pending);
+  void FlushScale(RowRange pending);
   void Flush();
   void SearchUpTo(const Chunk& chunk, std::size_t row);
   void KeepFoundBefore(std::size_t row);
@@ -103,10 +114,12 @@ class TableEngine {
   std::unique_ptr<AggregationVariable> fDimension;
   std::unique_ptr<TableDimension, EndInPlace> fTableDimension;  // in the table's own memory
   std::unique_ptr<DimensionCounter> fCounter;
+  std::unique_ptr<ScaledChunk> fDimensionGroups;  // null: cases are counted; likewise the other one
   std::vector<AggregationStatistic> fPerCategory;
   std::vector<AggregationStatistic> fInTotal;
   std::vector<AggregationStatistic> fScaleStatistics;
   std::unique_ptr<ScaleCounter> fScaleCounter;
+  std::unique_ptr<ScaledChunk> fScaleGroups;
 
   // The search for new values: begun when the number of values is asked for first, at most a few blocks ahead of the
   // rows taken, so that a table that takes no more rows has not looked at the rest of its chunk.
