@@ -123,14 +123,22 @@ class Databases:
     def sqlite_file(self):
         return os.path.join(self.folder, "tables.sqlite")
 
+    def addresses(self, kind):
+        """Of the databases that hold the rows."""
+        if kind == SQLITE:
+            return ["sqlite:" + self.sqlite_file()]
+        if kind == WORKERS:
+            return [f"odbc:DSN=codebook_{worker.name}" for worker in self.server.workers]
+        return [f"odbc:DSN={COORDINATOR}"]
+
+    def table_name(self, kind, name):
+        """How the program is told of the table."""
+        schemas = {SQLITE: None, POSTGRES: PLAIN_SCHEMA, SHARDS: "public", INHERITED: INHERITED_SCHEMA, WORKERS: INHERITED_SCHEMA}
+        return f'{schemas[kind]}."{name}"' if schemas[kind] else name
+
     def source(self, kind, name):
         """The arguments that name a table to the program."""
-        if kind == SQLITE:
-            return ["sqlite:" + self.sqlite_file(), "--table", name]
-        if kind == WORKERS:
-            return [f"odbc:DSN=codebook_{worker.name}" for worker in self.server.workers] + ["--table", f'{INHERITED_SCHEMA}."{name}"']
-        schema = {POSTGRES: PLAIN_SCHEMA, SHARDS: "public", INHERITED: INHERITED_SCHEMA}[kind]
-        return [f"odbc:DSN={COORDINATOR}", "--table", f'{schema}."{name}"']
+        return [*self.addresses(kind), "--table", self.table_name(kind, name)]
 
 
 def quoted(name):

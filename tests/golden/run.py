@@ -11,6 +11,7 @@ import concurrent.futures
 import contextlib
 import difflib
 import itertools
+import json
 import os
 import subprocess
 import sys
@@ -77,7 +78,7 @@ class Runner:
 def normalised(text, shown):
     """Names and places that differ from run to run are of no account."""
     for words, stands_for in shown.items():
-        text = text.replace(words.replace("\\", "\\\\"), stands_for).replace(words, stands_for)
+        text = text.replace(json.dumps(words, ensure_ascii=False)[1:-1], stands_for).replace(words, stands_for)
     return text
 
 

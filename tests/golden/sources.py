@@ -46,7 +46,7 @@ class Files:
 
 class Tables:
     """Tables of databases, of the cases that make sense for data with types. The dictionary is named, for it lies beside
-    nothing; an address stands for the data's name and place."""
+    nothing. The table's name stands for the file's, the address for its folder."""
 
     def __init__(self, kinds, cases):
         self.databases = loading.Databases(kinds)
@@ -67,7 +67,8 @@ class Tables:
 
     def place(self, kind, case, folder):
         arguments = self.databases.source(kind, case.name)
-        shown = {argument: "DATAFILE" for argument in arguments if ":" in argument}
+        address, table = self.databases.addresses(kind)[0], self.databases.table_name(kind, case.name)
+        shown = {f"{address}: {table}": "FOLDER/DATAFILE", table: "DATAFILE", address: "FOLDER"}
         if case.dictionary() is not None:
             arguments = arguments + ["-d", os.path.join(folder, DICTIONARY)]
         return Place(arguments, shown)

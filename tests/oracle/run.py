@@ -86,6 +86,8 @@ def message_differences(expected, got):
 def case_differences(program, case, folder, data):
     """`data`: the arguments that name the data where they do not lie in the case's own file."""
     dataset = read_dataset(os.path.join(folder, "data.csv"), os.path.join(folder, case.dictionary), case.weight)
+    if data:
+        dataset.path = data[0] + "/" + data[-1]  # the table's name in the place of the file's
     report, status = report_for(dataset, case.command)
     # Bytes that the program is not told about must not change it: no terminal, no locale but UTF-8.
     done = subprocess.run([program] + case.arguments(folder, data), capture_output=True, timeout=SECONDS_A_CASE, check=False,
