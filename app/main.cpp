@@ -139,6 +139,10 @@ int Run(int argc, char** argv) {
   options.data.onProgress = bar.Listener();
   const bool toDdi = options.format == app::kDdiFormat;
   options.data.describe = toDdi;
+  if (options.showQueries)
+    options.data.onQuery = [](const std::string& source, const std::string& query) {
+      Say("query: " + source + ": " + query);
+    };
   const runtime::data::OpenedDataset opened = runtime::data::OpenDataset(options.data);
   if (options.typeListing != app::TypeListing::None) {
     bar.End();

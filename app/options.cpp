@@ -206,10 +206,18 @@ Options ReadOptions(int argc, const char* const* argv) {
   CLI::Option* const dataOption =
       cli.add_option("DATA", dataPaths,
                      "a file (CSV, TSV, Parquet, JSON lines, SQLite; text also as .gz or .zst), several of one table\n"
-                     "or a pattern of them ('part-*.csv'), a datapackage.json, or - for standard input")
+                     "or a pattern of them ('part-*.csv'), a datapackage.json, - for standard input, or a database\n"
+                     "that counts where the data are: 'odbc:DSN=NAME', sqlite:FILE")
           ->type_name("");
   std::string table;
-  cli.add_option("--table", table, "the table of a SQLite file that holds several")->type_name("NAME");
+  cli.add_option("--table", table, "the table of a database, or of a SQLite file that holds several")
+      ->type_name("NAME");
+  std::string query;
+  cli.add_option("--query", query, "of a database, the query whose rows are described, instead of a table")
+      ->type_name("SELECT");
+  bool fetchRows = false;
+  cli.add_flag("--fetch-rows", fetchRows, "fetch the rows of a database and count here, instead of letting it count");
+  cli.add_flag("--show-queries", options.showQueries, "tell what is sent to a database on standard error");
   cli.add_option("-d,--dictionary", dictionary,
                  "the dictionary: datapackage.json or a Table Schema (else looked for beside the data)")
       ->type_name("FILE");
@@ -277,6 +285,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   };
   options.data.furtherPaths.assign(dataPaths.begin() + 1, dataPaths.end());
   options.data.table = given(table);
+  options.data.query = given(query);
   options.data.dictionary = given(dictionary);
   options.data.resource = given(resource);
   options.data.schemas = given(schemas);
@@ -294,6 +303,8 @@ Options ReadOptions(int argc, const char* const* argv) {
   options.data.explainTypes = options.typeListing != TypeListing::None;
   if (segmentBytes > 0) options.data.segmentBytes = segmentBytes;
   options.format = ChooseFormat(format, options.outputFile);
+  // DDI wants each variable's counts weighted and not, of the same cases: those are fetched.
+  options.data.countInDatabase = !fetchRows && options.format != kDdiFormat;
   Check(options);
   return options;
 }

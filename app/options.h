@@ -24,6 +24,7 @@ struct Options {
   bool pager = true;                            // a text report on a terminal goes through a pager, where there is one
   TypeListing typeListing = TypeListing::None;  // instead of a report
   int threads = 0;                              // 0: as many as the machine gives
+  bool showQueries = false;                     // what is sent to a database is told on standard error
   bool quiet = false;                           // no progress, and no word that is neither warning nor error
   TimingForm timing = TimingForm::None;
   std::int64_t percentileMemory = 0;  // bytes that the values kept for percentiles may take; 0: no limit

@@ -9,12 +9,15 @@
 
 #include "runtime/data/checking/readingfacts.h"
 #include "runtime/data/checking/setmembers.h"
+#include "runtime/data/columnplans.h"
 #include "runtime/data/csv/readcsv.h"
 #include "runtime/data/dictionary/assemble.h"
 #include "runtime/data/dictionary/embeddeddictionary.h"
 #include "runtime/data/dictionary/readdictionary.h"
 #include "runtime/data/dictionary/writing/describe.h"
 #include "runtime/data/inputfiles.h"
+#include "runtime/data/opensql.h"
+#include "runtime/data/source/sql/sqlconnection.h"
 #include "runtime/data/source/tablesource.h"
 #include "runtime/data/store/columnardataset.h"
 #include "runtime/data/typing/quotedcell.h"
@@ -68,77 +71,6 @@ Input FindInput(const OpenOptions& options, std::vector<Note>& notes) {
   return input;
 }
 
-std::vector<ColumnPlan> PlanFor(const TableDescriptor* descriptor, const std::vector<const FieldDescriptor*>& fields) {
-  std::vector<ColumnPlan> plans;
-  plans.reserve(fields.size());
-  for (const FieldDescriptor* field : fields) {
-    ColumnPlan plan;
-    if (field != nullptr)
-      plan = {field->dialect, field->missingValues,
-              fmt::format("{}: field {}", descriptor->origin, QuotedCell(field->name))};
-    else if (descriptor != nullptr)
-      plan.missing = descriptor->missingValues;
-    else
-      plan.missing = {LabelledValue{}};
-    plans.push_back(std::move(plan));
-  }
-  return plans;
-}
-
-/// What the dialect makes of a cell, and what JSON has no value for, is an empty cell, which then is missing.
-void AddEmptyText(std::vector<LabelledValue>& missing) {
-  for (const LabelledValue& entry : missing)
-    if (entry.value.empty()) return;
-  missing.push_back({});
-}
-
-void MakeNullsMissing(TableDescriptor& descriptor) {
-  if (!descriptor.inlineData && !descriptor.dialect.nullSequence) return;
-  AddEmptyText(descriptor.missingValues);
-  for (FieldDescriptor& field : descriptor.fields) AddEmptyText(field.missingValues);
-}
-
-void InferNothing(std::vector<ColumnPlan>& plans) {
-  for (ColumnPlan& plan : plans)
-    if (plan.dialect.type == FieldType::Inferred) plan.dialect.type = FieldType::String;
-}
-
-std::vector<TypeDecision> TypeDecisions(TypedTable& table, const std::vector<const FieldDescriptor*>& fields,
-                                        bool fileHasTypes) {
-  std::vector<TypeDecision> decisions;
-  for (std::size_t i = 0; i < table.columns.size(); ++i) {
-    const ColumnFacts& facts = table.columns[i].facts;
-    TypeDecision& decision = decisions.emplace_back();
-    decision.header = facts.header;
-    decision.type = facts.type;
-    decision.rows = facts.rows;
-    decision.blankCells = facts.blankCells;
-    if (fields[i] != nullptr && fields[i]->dialect.type != FieldType::Inferred)
-      decision.origin = TypeOrigin::Dictionary;
-    else if (fileHasTypes)
-      decision.origin = TypeOrigin::DataFile;
-    else if (!facts.inferred)
-      decision.origin = TypeOrigin::Asked;
-    if (decision.origin == TypeOrigin::Cells) decision.steps = std::move(table.steps[i]);
-  }
-  return decisions;
-}
-
-const TableDescriptor* Prepared(TableDescriptor& descriptor, const OpenOptions& options) {
-  // The weight that is asked for stands instead of the dictionary's, which may then be as wrong as it likes.
-  if (options.weight) descriptor.weight.reset();
-  MakeNullsMissing(descriptor);
-  return &descriptor;
-}
-
-/// Columns of JSON texts stay texts, unless a field says otherwise.
-void KeepTextColumns(const InlineTable& data, const std::vector<std::string>& headers, std::vector<ColumnPlan>& plans) {
-  for (std::size_t column = 0; column < plans.size(); ++column)
-    if (plans[column].dialect.type == FieldType::Inferred &&
-        std::find(data.textColumns.begin(), data.textColumns.end(), headers[column]) != data.textColumns.end())
-      plans[column].dialect.type = FieldType::String;
-}
-
 std::shared_ptr<const ReadingFacts> FactsOfReading(const TableDescriptor* descriptor,
                                                    const std::vector<DescribedColumn>& columns) {
   auto facts = std::make_shared<ReadingFacts>();
@@ -154,6 +86,7 @@ std::shared_ptr<const ReadingFacts> FactsOfReading(const TableDescriptor* descri
 }  // namespace
 
 OpenedDataset OpenDataset(const OpenOptions& options) {
+  if (IsSqlAddress(options.path) && options.countInDatabase) return OpenInDatabase(options);
   OpenedDataset opened;
   std::vector<Note>& notes = opened.notes;
   Input input = FindInput(options, notes);

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -41,19 +42,24 @@ struct Note {
 };
 
 struct OpenOptions {
-  /// A data file, a pattern of such (* ? [...]) unless a file has that very name, a datapackage.json, or "-" for
-  /// standard input.
+  /// A data file, a pattern of such (* ? [...]) unless a file has that very name, a datapackage.json, "-" for
+  /// standard input, or the address of a database ("sqlite:FILE", "odbc:DSN=...").
   std::string path;
   std::vector<std::string> furtherPaths;  // data files or patterns of them, read behind the first as one table with it
-  std::optional<std::string> table;       // of a SQLite file that holds several
+  std::optional<std::string> table;       // of a database or a SQLite file that holds several
+  std::optional<std::string> query;       // of a database, instead of a table
   std::optional<std::string> dictionary;  // names the dictionary; otherwise it is looked for beside the data
   std::optional<std::string> resource;    // of a data package that holds several
   std::optional<std::string> schemas;     // a folder with copies of schemas that a package names by address
   std::optional<std::string> weight;      // overrides the dictionary's weight variable; empty: unweighted
-  bool inference = true;                  // else a column whose type nothing says is text
-  bool explainTypes = false;              // gather the decisions about types
-  bool strict = false;                    // what does not fit the dictionary is an error
-  std::int64_t chunkRows = 0;             // rows that a cursor hands out at once; 0: a whole block
+  /// A database counts where the data are, and the cursor's cases are groups; else its rows are fetched.
+  bool countInDatabase = false;
+  /// Told of each statement that is sent to a database, with the name of the database. May be empty.
+  std::function<void(const std::string& source, const std::string& query)> onQuery;
+  bool inference = true;       // else a column whose type nothing says is text
+  bool explainTypes = false;   // gather the decisions about types
+  bool strict = false;         // what does not fit the dictionary is an error
+  std::int64_t chunkRows = 0;  // rows that a cursor hands out at once; 0: a whole block
   /// Threads that read; null: the calling one alone. Shared with the dataset.
   std::shared_ptr<machine::ThreadPool> pool;
   /// Bytes of memory that the columns may take; what is beyond goes to a temporary file. 0: no limit.

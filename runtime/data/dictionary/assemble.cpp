@@ -66,8 +66,10 @@ MAVO_Variable_Enumerations::Role RoleOfField(const std::string& origin, const Fi
   return *role;
 }
 
-std::optional<std::string> LabelOf(const std::string& original, const std::string& name, const FieldDescriptor* field) {
-  if (field && field->title) return field->title;
+std::optional<std::string> LabelOf(const std::string& original, const std::string& name,
+                                   const DescribedColumn& column) {
+  if (column.field && column.field->title) return column.field->title;
+  if (!column.comment.empty()) return column.comment;
   if (original != name && !original.empty()) return original;
   return std::nullopt;
 }
@@ -83,7 +85,7 @@ std::shared_ptr<const VariableRecord> MakeVariable(const std::string& name, cons
   const bool isString = column.facts->isString();
   auto variable = std::make_shared<VariableRecord>();
   variable->name = name;
-  variable->label = LabelOf(original, name, field);
+  variable->label = LabelOf(original, name, column);
   variable->width = isString ? StringWidth(*column.facts, field) : 0;
   variable->print = DefaultFormat(*column.facts, variable->width);
   if (field && field->format) {

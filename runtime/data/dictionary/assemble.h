@@ -23,6 +23,7 @@ std::vector<const FieldDescriptor*> MatchFields(const TableDescriptor& descripto
 struct DescribedColumn {
   const ColumnFacts* facts = nullptr;
   const FieldDescriptor* field = nullptr;
+  std::string comment = {};  // that the source keeps on the column: its label, where the field gives none
 };
 
 /// `descriptor` is null when there is no dictionary file; `dataPath` is absent when the data come from no file.

@@ -91,7 +91,10 @@ std::optional<std::string> FindDictionary(const std::string& dataPath) {
 
 TableDescriptor ReadDictionary(const DictionaryRequest& request, std::vector<Note>& notes) {
   const FileKind kind = KindOf(request.path);
-  const auto headers = [&] { return request.dataPath ? HeadersOfData(*request.dataPath) : std::vector<std::string>(); };
+  const auto headers = [&] {
+    if (request.headers) return *request.headers;
+    return request.dataPath ? HeadersOfData(*request.dataPath) : std::vector<std::string>();
+  };
   if (kind == FileKind::Xml) return ReadDdi(request.path, {request.resource, request.dataPath, headers}, notes);
   if (kind == FileKind::Redcap && request.resource)
     throw DataError(fmt::format("{}: a REDCap data dictionary holds no resource {}; leave out --resource", request.path,

@@ -24,6 +24,7 @@ struct DictionaryRequest {
                                         // package names it
   // A folder with copies of the schemas and dialects that descriptors name by address.
   std::optional<std::string> schemas = std::nullopt;
+  std::optional<std::vector<std::string>> headers = std::nullopt;  // of the data, where they are known already
 };
 
 /// Reads a Data Package, a Table Schema, a DDI-Codebook or a REDCap data dictionary. Of a package, the resource is the

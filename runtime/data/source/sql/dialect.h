@@ -1,0 +1,52 @@
+// What one family of engines writes in its own way.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "runtime/data/source/sql/sqlconnection.h"
+
+namespace runtime::data {
+
+/// The forms of SQL that differ. Everything else is what the engines share: SELECT, CASE, GROUP BY, COUNT, SUM, MIN,
+/// MAX, UNION ALL.
+struct SqlDialect {
+  /// How the first rows of a query are asked for.
+  enum class FirstRows { Limit, FetchFirst, Top };
+
+  std::string name;  // as the engine calls itself; "another engine" for one that is not known
+  FirstRows firstRows = FirstRows::Limit;
+  const char* countRows = "COUNT(*)";       // in 64 bits
+  const char* textType = "VARCHAR(65535)";  // of a cast to text; null: cells are read as they are
+  const char* doubleType = "DOUBLE PRECISION";
+  const char* wholeType = "BIGINT";
+  const char* decimalType = nullptr;  // exact arithmetic on whole numbers of any length; null: there is none
+  const char* byteLength = "OCTET_LENGTH({})";
+  const char* binaryText = nullptr;  // a text that is compared byte by byte, {} the column; null: as it is
+  bool comparesBytes = true;         // texts are, unless a column was made otherwise
+  bool castsKeys = false;            // texts are cast before they are grouped: other types that are read as texts may
+                                     // know no equality
+  const char* preciseDouble = nullptr;  // text of a floating point number that reads back the same; null: the cast does
+  bool hasGroupingSets = false;
+  bool sumsAreWide = false;           // a sum of 64-bit whole numbers does not overflow
+  bool hasPartitions = false;         // FindLeaves knows where its tables' parts are
+  std::vector<std::string> settings;  // statements at the begin of the transaction
+
+  std::string CastToText(const std::string& expression, SqlType type) const;
+  std::string CastToDouble(const std::string& expression) const;
+  std::string CastToWhole(const std::string& expression) const;
+  /// The first rows of `SELECT list rest`.
+  std::string FirstRowsOf(const std::string& list, const std::string& rest, std::int64_t rows) const;
+};
+
+/// The dialect of an engine, by what it calls itself.
+const SqlDialect& DialectOf(std::string_view engine);
+
+/// A number as a literal that reads back the same.
+std::string NumberLiteral(double number);
+/// A text as a literal. REQUIRES: no letters but ASCII ones, no backslash.
+std::string TextLiteral(std::string_view text);
+
+}  // namespace runtime::data

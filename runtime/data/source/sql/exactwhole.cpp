@@ -1,0 +1,66 @@
+#include "runtime/data/source/sql/exactwhole.h"
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace runtime::data {
+
+namespace {
+
+constexpr int kMantissaBits = 53;
+
+/// The whole number that the double's mantissa is, with its sign; `exponent` becomes that of its unit.
+std::int64_t Mantissa(double value, int& exponent) {
+  const double fraction = std::frexp(value, &exponent);
+  exponent -= kMantissaBits;
+  return static_cast<std::int64_t>(std::ldexp(fraction, kMantissaBits));
+}
+
+}  // namespace
+
+mpz_class WholeOfText(std::string_view text) {
+  if (const std::size_t point = text.find('.'); point != std::string_view::npos) {
+    if (text.find_first_not_of('0', point + 1) != std::string_view::npos) throw std::invalid_argument("a fraction");
+    text = text.substr(0, point);
+  }
+  return mpz_class(std::string(text), 10);
+}
+
+mpz_class MultipleOf(double value, int exponent) {
+  int itsExponent = 0;
+  mpz_class whole = static_cast<long>(Mantissa(value, itsExponent));
+  if (itsExponent >= exponent)
+    mpz_mul_2exp(whole.get_mpz_t(), whole.get_mpz_t(), static_cast<mp_bitcnt_t>(itsExponent - exponent));
+  else
+    mpz_tdiv_q_2exp(whole.get_mpz_t(), whole.get_mpz_t(), static_cast<mp_bitcnt_t>(exponent - itsExponent));
+  return whole;
+}
+
+void AppendDoubles(const mpz_class& whole, int exponent, std::vector<double>& doubles) {
+  mpz_class rest = whole;
+  while (rest != 0) {
+    const auto bits = static_cast<int>(mpz_sizeinbase(rest.get_mpz_t(), 2));
+    const int dropped = bits > kMantissaBits ? bits - kMantissaBits : 0;
+    mpz_class front;
+    mpz_tdiv_q_2exp(front.get_mpz_t(), rest.get_mpz_t(), static_cast<mp_bitcnt_t>(dropped));
+    doubles.push_back(std::ldexp(front.get_d(), exponent + dropped));
+    mpz_tdiv_r_2exp(rest.get_mpz_t(), rest.get_mpz_t(), static_cast<mp_bitcnt_t>(dropped));
+  }
+}
+
+int LowestBit(double value) {
+  int exponent = 0;
+  const std::int64_t mantissa = Mantissa(value, exponent);
+  return exponent + std::countr_zero(static_cast<std::uint64_t>(mantissa));
+}
+
+int TopBit(double value) {
+  int exponent = 0;
+  std::frexp(value, &exponent);
+  return exponent;
+}
+
+}  // namespace runtime::data

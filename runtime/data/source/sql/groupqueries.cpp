@@ -1,0 +1,145 @@
+#include "runtime/data/source/sql/groupqueries.h"
+
+#include <fmt/format.h>
+
+namespace runtime::data {
+
+namespace {
+
+bool IsText(const SqlColumn& column) { return column.type == SqlType::Text || column.type == SqlType::FixedText; }
+
+std::string Joined(const std::vector<std::string>& parts) { return fmt::format("{}", fmt::join(parts, ", ")); }
+
+}  // namespace
+
+GroupQueries::GroupQueries(const SqlTable& table)
+    : fTable(table), fDialect(table.dialect()), fComparesBytes(table.columns().size(), !fDialect.comparesBytes) {}
+
+std::string GroupQueries::Key(std::size_t column) const {
+  const SqlColumn& itself = fTable.columns()[column];
+  std::string key = fTable.quoted(column);
+  if (!IsText(itself)) return key;
+  if (fDialect.castsKeys && itself.type == SqlType::Text) key = fDialect.CastToText(key, itself.type);
+  if (fComparesBytes[column] && fDialect.binaryText != nullptr)
+    key = fmt::format(fmt::runtime(fDialect.binaryText), key);
+  return key;
+}
+
+std::string GroupQueries::Number(std::size_t column) const { return fDialect.CastToDouble(fTable.quoted(column)); }
+
+std::string GroupQueries::WeightWithin() const {
+  switch (fWeight.form) {
+    case SqlWeight::Form::None:
+      return {};
+    case SqlWeight::Form::Pieces:
+      return fmt::format(", {} AS w", fWeight.number);
+    case SqlWeight::Form::Pairs:
+      return fmt::format(", {} AS u", Key(fWeight.column));
+  }
+  return {};
+}
+
+std::string GroupQueries::WeightSums() const {
+  std::string sums;
+  if (fWeight.form == SqlWeight::Form::Pieces)
+    for (int i = 0; i < fWeight.pieces.count; ++i)
+      sums += fmt::format(", SUM({}) AS p{}", PieceExpression(fDialect, "w", fWeight.pieces, i), i);
+  return sums;
+}
+
+std::string GroupQueries::WeightGroup() const { return fWeight.form == SqlWeight::Form::Pairs ? ", u" : ""; }
+
+std::string GroupQueries::WeightAnswer() const {
+  std::string list;
+  if (fWeight.form == SqlWeight::Form::Pairs)
+    return ", " + fDialect.CastToText("u", fTable.columns()[fWeight.column].type);
+  if (fWeight.form == SqlWeight::Form::Pieces)
+    for (int i = 0; i < fWeight.pieces.count; ++i) list += fmt::format(", p{}", i);
+  return list;
+}
+
+std::string GroupQueries::Summary(const SqlPlace& place, const std::string& inner, const std::string& list,
+                                  const std::string& behind) const {
+  return SqlTable::OverArms(place, [&](const std::string& arm) {
+    return fmt::format("SELECT {} FROM (SELECT {} FROM {}) s{}", list, inner, arm, behind);
+  });
+}
+
+std::string GroupQueries::Rows(const SqlPlace& place) const {
+  const bool hasPieces = fWeight.form == SqlWeight::Form::Pieces;
+  return Summary(place, "1 AS one" + (hasPieces ? WeightWithin() : ""), fDialect.countRows + WeightSums());
+}
+
+std::string GroupQueries::FirstRows(const SqlPlace& place, std::int64_t rows) const {
+  std::vector<std::string> cells;
+  for (std::size_t column = 0; column < fTable.columns().size(); ++column)
+    cells.push_back(fDialect.CastToText(fTable.quoted(column), fTable.columns()[column].type));
+  return fDialect.FirstRowsOf(Joined(cells), "FROM " + place.relation, rows);
+}
+
+std::string GroupQueries::MergedTexts(const SqlPlace& place, const std::vector<std::size_t>& columns,
+                                      std::int64_t rows) const {
+  std::vector<std::string> names;
+  std::vector<std::string> sums;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const std::string& name = fTable.quoted(columns[i]);
+    names.push_back(fmt::format("{} AS c{}", fDialect.castsKeys ? Key(columns[i]) : name, i));
+    const auto bytes = [&](const char* change) {
+      return fmt::format(fmt::runtime(fDialect.binaryText), fmt::format("{}(c{})", change, i));
+    };
+    sums.push_back(fmt::format("SUM(CASE WHEN LOWER(c{0}) = UPPER(c{0}) AND {1} <> {2} THEN 1 ELSE 0 END)", i,
+                               bytes("LOWER"), bytes("UPPER")));
+  }
+  return fmt::format("SELECT {} FROM ({}) s", Joined(sums),
+                     fDialect.FirstRowsOf(Joined(names), "FROM " + place.relation, rows));
+}
+
+std::string GroupQueries::Groups(const SqlPlace& place, std::size_t column, std::optional<std::int64_t> most) const {
+  const std::string within = Key(column) + " AS c" + WeightWithin();
+  const std::string list = fmt::format("c AS v{}, {} AS n{}", WeightGroup(), fDialect.countRows, WeightSums());
+  const std::string arms = SqlTable::OverArms(place, [&](const std::string& arm) {
+    const std::string rest = fmt::format("FROM (SELECT {} FROM {}) s GROUP BY c{}", within, arm, WeightGroup());
+    const std::string select = most ? fDialect.FirstRowsOf(list, rest, *most) : fmt::format("SELECT {} {}", list, rest);
+    return most && place.arms.size() > 1 ? "(" + select + ")" : select;
+  });
+  return fmt::format("SELECT {}, n{} FROM ({}) g", fDialect.CastToText("v", fTable.columns()[column].type),
+                     WeightAnswer(), arms);
+}
+
+std::string GroupQueries::GroupingSets(const SqlPlace& place, const std::vector<std::size_t>& columns) const {
+  std::vector<std::string> keys;
+  std::vector<std::string> sets;
+  std::string which;
+  std::string text;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const std::string name = fmt::format("c{}", i);
+    keys.push_back(Key(columns[i]) + " AS " + name);
+    sets.push_back("(" + name + WeightGroup() + ")");
+    which += fmt::format(" WHEN GROUPING({}) = 0 THEN {}", name, i);
+    text += fmt::format(" WHEN GROUPING({}) = 0 THEN {}", name,
+                        fDialect.CastToText(name, fTable.columns()[columns[i]].type));
+  }
+  const std::string pairs = fWeight.form == SqlWeight::Form::Pairs ? WeightAnswer() + " AS u" : std::string();
+  return Summary(place, Joined(keys) + WeightWithin(),
+                 fmt::format("CASE{} END AS k, CASE{} END AS v, {} AS n{}{}", which, text, fDialect.countRows, pairs,
+                             WeightSums()),
+                 " GROUP BY GROUPING SETS (" + Joined(sets) + ")");
+}
+
+std::string GroupQueries::JointGroups(const SqlPlace& place, const std::vector<std::size_t>& columns) const {
+  std::vector<std::string> within;
+  std::vector<std::string> names;
+  std::vector<std::string> texts;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    names.push_back(fmt::format("c{}", i));
+    within.push_back(Key(columns[i]) + " AS " + names.back());
+    texts.push_back(fDialect.CastToText(names.back(), fTable.columns()[columns[i]].type));
+  }
+  return fmt::format(
+      "SELECT {}, n{} FROM ({}) g", Joined(texts), WeightAnswer(),
+      Summary(place, Joined(within) + WeightWithin(),
+              fmt::format("{}{}, {} AS n{}", Joined(names), WeightGroup(), fDialect.countRows, WeightSums()),
+              " GROUP BY " + Joined(names) + WeightGroup()));
+}
+
+}  // namespace runtime::data

@@ -1,0 +1,157 @@
+#include "runtime/data/source/sql/manyvalues.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include <fmt/format.h>
+
+#include "runtime/data/open.h"
+#include "runtime/data/source/numbercolumn.h"
+#include "runtime/data/source/sql/sqlcell.h"
+
+namespace runtime::data {
+
+namespace {
+
+constexpr std::size_t kColumnsAtOnce = 40;
+constexpr int kMostDecimals = 16;
+constexpr std::int64_t kFewValues = 1000;
+constexpr std::int64_t kManyValues = 100'000;
+
+/// A column as a finite double, NULL where it is none.
+std::string FiniteNumber(const SqlTable& table, const GroupQueries& queries, std::size_t column) {
+  const std::string number = queries.Number(column);
+  return fmt::format("CASE WHEN {} THEN {} END", ValidCondition(table.dialect(), number, {}), number);
+}
+
+/// Whether a finite number `f` may have more decimals than these. Where it says no, it has not: a quotient of a whole
+/// number and a power of ten, rounded once, is the double that the decimal number reads as.
+std::string MayHaveMoreDecimals(const SqlDialect& dialect, const std::string& f, int decimals) {
+  const std::string power = dialect.CastToDouble(NumberLiteral(std::pow(10.0, decimals)));
+  const std::string mostExact = dialect.CastToDouble(NumberLiteral(2251799813685248.0));
+  const std::string half = dialect.CastToDouble("0.5");
+  return fmt::format("{0} <> FLOOR({0}) AND (ABS({0}) * {1} >= {2} OR FLOOR(ABS({0}) * {1} + {3}) / {1} <> ABS({0}))",
+                     f, power, mostExact, half);
+}
+
+double NumberOr(SqlRows& rows, std::size_t column, double otherwise) {
+  const std::optional<std::string_view> text = rows.Text(column);
+  return text ? NumberOfCell(SqlType::Double, *text) : otherwise;
+}
+
+/// The facts of one question's columns.
+void AskFacts(SqlTable& table, const GroupQueries& queries, const ManyValuedColumn* columns, std::size_t count,
+              ManyValuedFacts* facts) {
+  const SqlDialect& dialect = table.dialect();
+  std::string within;
+  std::string list;
+  for (std::size_t i = 0; i < count; ++i) {
+    const ManyValuedColumn& column = columns[i];
+    const char* const comma = i > 0 ? ", " : "";
+    if (column.isText) {
+      const SqlType type = table.columns()[column.column].type;
+      const std::string text = type == SqlType::Text || type == SqlType::FixedText
+                                   ? queries.Key(column.column)
+                                   : dialect.CastToText(table.quoted(column.column), type);
+      within += fmt::format("{}{} AS c{}", comma, text, i);
+      list +=
+          fmt::format("{}MAX({})", comma, fmt::format(fmt::runtime(dialect.byteLength), fmt::format("RTRIM(c{})", i)));
+      continue;
+    }
+    within += fmt::format("{0}{1} AS c{2}, {3} AS f{2}", comma, table.quoted(column.column), i,
+                          FiniteNumber(table, queries, column.column));
+    const SqlType type = table.columns()[column.column].type;
+    const std::string extreme = type == SqlType::Double ? fmt::format("f{}", i) : fmt::format("c{}", i);
+    list += fmt::format("{}{}, {}, SUM(CASE WHEN f{} <> FLOOR(f{}) THEN 1 ELSE 0 END)", comma,
+                        dialect.CastToText("MIN(" + extreme + ")", type),
+                        dialect.CastToText("MAX(" + extreme + ")", type), i, i);
+    list += fmt::format(", SUM(CASE WHEN {} THEN 1 ELSE 0 END)",
+                        MayHaveMoreDecimals(dialect, fmt::format("f{}", i), std::min(column.decimals, kMostDecimals)));
+  }
+  table.Ask([&](const SqlPlace& place) { return queries.Summary(place, within, list); },
+            [&](SqlRows& rows) {
+              std::size_t at = 0;
+              for (std::size_t i = 0; i < count; ++i) {
+                ManyValuedFacts& known = facts[i];
+                if (columns[i].isText) {
+                  known.longestText = std::max(known.longestText, WholeCell(rows, at++));
+                  continue;
+                }
+                const std::optional<std::string_view> low = rows.Text(at);
+                const std::optional<std::string_view> high = rows.Text(at + 1);
+                if (low && high) {
+                  const double lowest = NumberOfCell(SqlType::Double, *low);
+                  const double highest = NumberOfCell(SqlType::Double, *high);
+                  if (!known.hasNumbers || lowest < known.lowest) known.lowest = lowest, known.lowestText = *low;
+                  if (!known.hasNumbers || highest > known.highest) known.highest = highest, known.highestText = *high;
+                  known.hasNumbers = true;
+                }
+                known.allWhole = known.allWhole && WholeCell(rows, at + 2) == 0;
+                if (WholeCell(rows, at + 3) > 0) known.decimalsAreKnown = false;
+                at += 4;
+              }
+            });
+}
+
+/// Numbers that may have more decimals than `decimals`, at most so many of each arm.
+std::vector<double> NumbersWithMoreDecimals(SqlTable& table, const GroupQueries& queries, std::size_t column,
+                                            int decimals, std::int64_t most) {
+  const SqlDialect& dialect = table.dialect();
+  std::vector<double> numbers;
+  table.Ask(
+      [&](const SqlPlace& place) {
+        return fmt::format("SELECT {} FROM ({}) g", dialect.CastToText("f", SqlType::Double),
+                           SqlTable::OverArms(place, [&](const std::string& arm) {
+                             const std::string rest = fmt::format("FROM (SELECT {} AS f FROM {}) s WHERE {} GROUP BY f",
+                                                                  FiniteNumber(table, queries, column), arm,
+                                                                  MayHaveMoreDecimals(dialect, "f", decimals));
+                             const std::string select = dialect.FirstRowsOf("f", rest, most);
+                             return place.arms.size() > 1 ? "(" + select + ")" : select;
+                           }));
+      },
+      [&](SqlRows& rows) { numbers.push_back(NumberOr(rows, 0, 0.0)); });
+  return numbers;
+}
+
+/// Fetches numbers with ever more decimals until there are none.
+void FindDecimals(SqlTable& table, const GroupQueries& queries, const ManyValuedColumn& column,
+                  ManyValuedFacts& facts) {
+  facts.decimals = std::min(column.decimals, kMostDecimals);
+  std::int64_t most = kFewValues;
+  while (!facts.decimalsAreKnown && facts.decimals < kMostDecimals) {
+    const std::vector<double> numbers = NumbersWithMoreDecimals(table, queries, column.column, facts.decimals, most);
+    const int found = WithDecimalsOf(numbers.data(), numbers.size(), facts.decimals);
+    if (found > facts.decimals) {
+      facts.decimals = found;
+      continue;
+    }
+    // Those that are left are so large that only their texts tell: all of them have been seen, or there are too many.
+    if (static_cast<std::int64_t>(numbers.size()) < most) break;
+    if (most == kManyValues) return;
+    most = kManyValues;
+  }
+  facts.decimalsAreKnown = true;
+}
+
+}  // namespace
+
+std::vector<ManyValuedFacts> FindFacts(SqlTable& table, const GroupQueries& queries,
+                                       const std::vector<ManyValuedColumn>& columns) {
+  std::vector<ManyValuedFacts> facts(columns.size());
+  for (std::size_t first = 0; first < columns.size(); first += kColumnsAtOnce) {
+    const std::size_t count = std::min(kColumnsAtOnce, columns.size() - first);
+    AskFacts(table, queries, &columns[first], count, &facts[first]);
+  }
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (columns[i].isText) continue;
+    const SqlType type = table.columns()[columns[i].column].type;
+    if (type == SqlType::Whole)
+      facts[i].decimalsAreKnown = true;
+    else
+      FindDecimals(table, queries, columns[i], facts[i]);
+  }
+  return facts;
+}
+
+}  // namespace runtime::data

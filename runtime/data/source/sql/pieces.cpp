@@ -1,0 +1,43 @@
+#include "runtime/data/source/sql/pieces.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <fmt/format.h>
+
+namespace runtime::data {
+
+namespace {
+
+/// floor(number 2^power), a double.
+std::string Cut(const SqlDialect& dialect, const std::string& number, int power) {
+  const std::string scaled =
+      fmt::format("{} * {}", number, dialect.CastToDouble(NumberLiteral(std::ldexp(1.0, power))));
+  return fmt::format("FLOOR({})", scaled);
+}
+
+}  // namespace
+
+std::optional<PiecePlan> PlanPieces(int top, int lowest, int bits) {
+  constexpr int kFarthest = 900;  // powers of two and products with them stay normal numbers
+  constexpr int kMostPieces = 6;
+  const int span = std::max(1, top - lowest);
+  const PiecePlan plan{bits, top, (span + bits - 1) / bits};
+  if (plan.count > kMostPieces || top > kFarthest || plan.lowestExponent() < -kFarthest) return std::nullopt;
+  return plan;
+}
+
+std::string PieceExpression(const SqlDialect& dialect, const std::string& number, const PiecePlan& plan, int i) {
+  const std::string cut = Cut(dialect, number, -plan.exponent(i));
+  if (i == 0) return dialect.CastToWhole(cut);
+  return dialect.CastToWhole(fmt::format("{} - {} * {}", cut, Cut(dialect, number, -plan.exponent(i - 1)),
+                                         dialect.CastToDouble(NumberLiteral(std::ldexp(1.0, plan.bits)))));
+}
+
+std::string HasBitsBelow(const SqlDialect& dialect, const std::string& number, const PiecePlan& plan) {
+  const int power = -plan.lowestExponent();
+  return fmt::format("{} <> {} * {}", Cut(dialect, number, power), number,
+                     dialect.CastToDouble(NumberLiteral(std::ldexp(1.0, power))));
+}
+
+}  // namespace runtime::data

@@ -1,0 +1,375 @@
+// The statistics of scale variables with very many values: one scan for the sums of all of them, one a variable for how
+// its values lie, and then only the values around the quartiles.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <optional>
+
+#include <fmt/format.h>
+
+#include "runtime/data/open.h"
+#include "runtime/data/source/sql/exactwhole.h"
+#include "runtime/data/source/sql/manyvalues.h"
+#include "runtime/data/source/sql/pieces.h"
+#include "runtime/data/source/sql/sqlcell.h"
+
+namespace runtime::data {
+
+namespace {
+
+constexpr std::size_t kColumnsAtOnce = 20;
+constexpr int kBitsOfProducts = 31;  // a product of two pieces has 62 bits
+constexpr int kBitsOfDecimals = 52;
+constexpr int kBitsBelowSample = 20;  // all rows may hold smaller numbers than the first ones
+constexpr std::size_t kStretches = 256;
+constexpr std::int64_t kFetchedAtMost = 100'000;  // cases of a stretch whose values are fetched
+constexpr std::int64_t kRowsOfSample = 5000;
+
+/// One variable while it is summed up.
+struct Scale {
+  const ScaleRequest* request = nullptr;
+  std::optional<PiecePlan> plan;
+  ScaleSummary summary;
+  std::int64_t cases = 0;  // valid
+  bool hasBitsBelow = false;
+  std::vector<mpz_class> valueSums;   // by piece; weighted: one
+  std::vector<mpz_class> squareSums;  // by pair of pieces
+};
+
+class Summarizing {
+ public:
+  Summarizing(SqlTable& table, const GroupQueries& queries)
+      : fTable(table), fQueries(queries), fDialect(table.dialect()), fWeighted(queries.weight().weighted()) {}
+
+  void PlanSums(Scale& scale, int bitsBelow) const {
+    const ManyValuedFacts& facts = scale.request->facts;
+    const int top = TopBit(std::max(std::abs(facts.lowest), std::abs(facts.highest)));
+    int lowest = 0;
+    if (!facts.allWhole) {
+      lowest = top;
+      for (const double number : scale.request->column.firstNumbers)
+        if (number != 0.0) lowest = std::min(lowest, LowestBit(number));
+      lowest -= bitsBelow;
+    }
+    scale.plan = PlanPieces(std::max(top, 1), lowest, fWeighted ? kBitsOfDecimals : kBitsOfProducts);
+  }
+
+  void AskSums(const std::vector<Scale*>& scales) {
+    for (Scale* scale : scales) {
+      scale->cases = 0;
+      scale->hasBitsBelow = false;
+      scale->summary.valid = 0;
+      scale->valueSums.clear();
+      scale->squareSums.clear();
+    }
+    std::string within;
+    std::string list;
+    for (std::size_t i = 0; i < scales.size(); ++i) {
+      within += fmt::format("{}{} AS v{}", i > 0 ? ", " : "", ValidNumber(*scales[i]->request), i);
+      list += (i > 0 ? ", " : "") + SumsOf(*scales[i], fmt::format("v{}", i));
+    }
+    within += fQueries.WeightWithin();
+    fTable.Ask([&](const SqlPlace& place) { return fQueries.Summary(place, within, list); },
+               [&](SqlRows& rows) {
+                 std::size_t at = 0;
+                 for (Scale* scale : scales) TakeSums(*scale, rows, at);
+               });
+  }
+
+  /// The sums as doubles, once they are complete.
+  void FinishSums(Scale& scale) const {
+    const PiecePlan& plan = *scale.plan;
+    ScaleSummary& summary = scale.summary;
+    if (fWeighted) {
+      const int unit = fQueries.weight().unit;
+      AppendDoubles(scale.valueSums[0], unit + plan.lowestExponent(), summary.valueSums);
+      AppendDoubles(scale.squareSums[0], unit + 2 * plan.lowestExponent(), summary.squareSums);
+      return;
+    }
+    summary.valid = static_cast<long>(scale.cases);
+    std::size_t pair = 0;
+    for (int i = 0; i < plan.count; ++i) {
+      AppendDoubles(scale.valueSums[static_cast<std::size_t>(i)], plan.exponent(i), summary.valueSums);
+      for (int j = i; j < plan.count; ++j, ++pair)
+        AppendDoubles(i == j ? scale.squareSums[pair] : mpz_class(scale.squareSums[pair] * 2),
+                      plan.exponent(i) + plan.exponent(j), summary.squareSums);
+    }
+  }
+
+  /// Fills in how the values lie.
+  void FindValues(Scale& scale) {
+    fValues.clear();
+    fScale = &scale;
+    fCases = 0;
+    const double infinity = std::numeric_limits<double>::infinity();
+    CutStretch(EdgesOf(scale.request->column.firstNumbers), -infinity, infinity, 0);
+    if (fCases != scale.cases)
+      throw DataError(
+          fmt::format("{}: column {}: the engine found {} valid values in one question and {} in another; "
+                      "a part of the data did not answer, and no result can be trusted",
+                      fTable.name(), fTable.columns()[scale.request->column.column].name, scale.cases, fCases));
+    for (auto& [value, weight] : fValues) scale.summary.values.push_back({value, std::move(weight)});
+  }
+
+ private:
+  std::string ValidNumber(const ScaleRequest& request) const {
+    const std::string number = fQueries.Number(request.column.column);
+    return fmt::format("CASE WHEN {} THEN {} END", ValidCondition(fDialect, number, request.missing), number);
+  }
+
+  std::string Decimal(const std::string& number, const PiecePlan& plan) const {
+    std::string decimal;
+    for (int i = 0; i < plan.count; ++i) {
+      const std::string piece =
+          fmt::format("CAST({} AS {})", PieceExpression(fDialect, number, plan, i), fDialect.decimalType);
+      decimal = i == 0 ? piece : fmt::format("({} * {} + {})", decimal, std::uint64_t{1} << plan.bits, piece);
+    }
+    return decimal;
+  }
+
+  std::string SumsOf(const Scale& scale, const std::string& v) const {
+    const PiecePlan& plan = *scale.plan;
+    std::string list =
+        fmt::format("COUNT({}), SUM(CASE WHEN {} THEN 1 ELSE 0 END)", v, HasBitsBelow(fDialect, v, plan));
+    if (fWeighted) {
+      const PiecePlan& ofWeight = fQueries.weight().pieces;
+      const std::string w = Decimal("w", ofWeight);
+      const std::string x = Decimal(v, plan);
+      return list + fmt::format(", SUM(CASE WHEN {0} IS NOT NULL THEN {1} END), SUM({1} * {2}), SUM({1} * {2} * {2})",
+                                v, w, x);
+    }
+    for (int i = 0; i < plan.count; ++i) list += fmt::format(", SUM({})", PieceExpression(fDialect, v, plan, i));
+    for (int i = 0; i < plan.count; ++i)
+      for (int j = i; j < plan.count; ++j)
+        list +=
+            fmt::format(", SUM({} * {})", PieceExpression(fDialect, v, plan, i), PieceExpression(fDialect, v, plan, j));
+    return list;
+  }
+
+  static void AddTo(std::vector<mpz_class>& sums, std::size_t i, SqlRows& rows, std::size_t column) {
+    if (sums.size() <= i) sums.resize(i + 1);
+    if (const std::optional<std::string_view> text = rows.Text(column)) sums[i] += WholeOfText(*text);
+  }
+
+  void TakeSums(Scale& scale, SqlRows& rows, std::size_t& at) const {
+    scale.cases += WholeCell(rows, at++);
+    scale.hasBitsBelow = WholeCell(rows, at++) > 0 || scale.hasBitsBelow;
+    if (fWeighted) {
+      if (const std::optional<std::string_view> text = rows.Text(at++)) scale.summary.valid += WholeOfText(*text);
+      AddTo(scale.valueSums, 0, rows, at++);
+      AddTo(scale.squareSums, 0, rows, at++);
+      return;
+    }
+    const auto count = static_cast<std::size_t>(scale.plan->count);
+    for (std::size_t i = 0; i < count; ++i) AddTo(scale.valueSums, i, rows, at++);
+    for (std::size_t i = 0; i < count * (count + 1) / 2; ++i) AddTo(scale.squareSums, i, rows, at++);
+  }
+
+  /// Edges between stretches that hold about as many values of the sample each.
+  static std::vector<double> EdgesOf(const std::vector<double>& sample) {
+    std::vector<double> edges;
+    const std::size_t step = std::max<std::size_t>(1, sample.size() / kStretches);
+    for (std::size_t i = step; i < sample.size(); i += step) edges.push_back(sample[i]);
+    return edges;
+  }
+
+  std::string Literal(double number) const { return fDialect.CastToDouble(NumberLiteral(number)); }
+
+  /// The number of the stretch in which v lies, of those between the edges first ... end - 1: comparisons by halves.
+  std::string StretchOf(const std::vector<double>& edges, std::size_t first, std::size_t end) const {
+    if (first == end) return std::to_string(first);
+    const std::size_t middle = (first + end) / 2;
+    return fmt::format("CASE WHEN v < {} THEN {} ELSE {} END", Literal(edges[middle]), StretchOf(edges, first, middle),
+                       StretchOf(edges, middle + 1, end));
+  }
+
+  std::string Between(double from, double to) const {
+    std::string condition = "v IS NOT NULL";
+    if (std::isfinite(from)) condition += fmt::format(" AND v >= {}", Literal(from));
+    if (std::isfinite(to)) condition += fmt::format(" AND v < {}", Literal(to));
+    return condition;
+  }
+
+  struct Stretch {
+    std::int64_t cases = 0;
+    mpz_class weight = 0;
+    double lowest = std::numeric_limits<double>::infinity();
+    double highest = -std::numeric_limits<double>::infinity();
+  };
+
+  mpz_class WeightOf(SqlRows& rows, std::size_t column, std::int64_t cases) const {
+    return fQueries.weight().WeightOf(rows, column, static_cast<long>(cases));
+  }
+
+  std::string WeightColumns() const {
+    std::string columns;
+    if (fWeighted)
+      for (int i = 0; i < fQueries.weight().pieces.count; ++i) columns += fmt::format(", p{}", i);
+    return columns;
+  }
+
+  std::string Grouped(const SqlPlace& place, const std::string& key, double from, double to,
+                      const std::string& more) const {
+    const std::string number = ValidNumber(*fScale->request);
+    return SqlTable::OverArms(place, [&](const std::string& arm) {
+      return fmt::format("SELECT {0} AS b, {1} AS n{2}{3} FROM (SELECT {4} AS v{5} FROM {6}) s WHERE {7} GROUP BY {0}",
+                         key, fDialect.countRows, more, fQueries.WeightSums(), number, fQueries.WeightWithin(), arm,
+                         Between(from, to));
+    });
+  }
+
+  std::vector<Stretch> AskStretches(const std::vector<double>& edges, double from, double to) {
+    std::vector<Stretch> stretches(edges.size() + 1);
+    const std::string stretch = StretchOf(edges, 0, edges.size());
+    fTable.Ask(
+        [&](const SqlPlace& place) {
+          return fmt::format("SELECT b, n, {}, {}{} FROM ({}) g", fDialect.CastToText("lo", SqlType::Double),
+                             fDialect.CastToText("hi", SqlType::Double), WeightColumns(),
+                             Grouped(place, stretch, from, to, ", MIN(v) AS lo, MAX(v) AS hi"));
+        },
+        [&](SqlRows& rows) {
+          Stretch& found = stretches.at(static_cast<std::size_t>(WholeCell(rows, 0)));
+          const std::int64_t cases = WholeCell(rows, 1);
+          found.cases += cases;
+          found.lowest = std::min(found.lowest, NumberOfCell(SqlType::Double, rows.Text(2).value_or("")));
+          found.highest = std::max(found.highest, NumberOfCell(SqlType::Double, rows.Text(3).value_or("")));
+          found.weight += WeightOf(rows, 4, cases);
+        });
+    return stretches;
+  }
+
+  void FetchValues(double from, double to) {
+    fTable.Ask(
+        [&](const SqlPlace& place) {
+          return fmt::format("SELECT {}, n{} FROM ({}) g", fDialect.CastToText("b", SqlType::Double), WeightColumns(),
+                             Grouped(place, "v", from, to, ""));
+        },
+        [&](SqlRows& rows) {
+          const std::int64_t cases = WholeCell(rows, 1);
+          fCases += cases;
+          fValues[NumberOfCell(SqlType::Double, rows.Text(0).value_or(""))] += WeightOf(rows, 2, cases);
+        });
+  }
+
+  /// Some values of a stretch, for finer edges.
+  std::vector<double> SampleOf(double from, double to) {
+    const std::string number = ValidNumber(*fScale->request);
+    std::vector<double> sample;
+    fTable.Ask(
+        [&](const SqlPlace& place) {
+          return fDialect.FirstRowsOf(
+              fDialect.CastToText("v", SqlType::Double),
+              fmt::format("FROM (SELECT {} AS v FROM {}) s WHERE {}", number, place.relation, Between(from, to)),
+              kRowsOfSample);
+        },
+        [&](SqlRows& rows) { sample.push_back(NumberOfCell(SqlType::Double, rows.Text(0).value_or(""))); });
+    std::sort(sample.begin(), sample.end());
+    sample.erase(std::unique(sample.begin(), sample.end()), sample.end());
+    return sample;
+  }
+
+  /// Whether a quartile is found among cases of which `before` weigh less and which weigh `weight` themselves.
+  bool HoldsQuartile(const mpz_class& before, const mpz_class& weight) const {
+    // The quartile stands at (W + 1) p / 100 of the weight.
+    const int unit = fWeighted ? fQueries.weight().unit : 0;
+    mpz_class one = 1;
+    one <<= static_cast<mp_bitcnt_t>(-unit);
+    const mpz_class above = before + weight;
+    for (int quarter = 1; quarter <= 3; ++quarter) {
+      const mpz_class at = (fScale->summary.valid + one) * quarter;
+      if (4 * before <= at && at < 4 * above) return true;
+    }
+    return false;
+  }
+
+  /// Takes in the values from `from` to below `to`, `before` being the weight of all smaller ones.
+  void CutStretch(const std::vector<double>& edges, double from, double to, mpz_class before) {
+    const std::vector<Stretch> stretches = AskStretches(edges, from, to);
+    for (std::size_t i = 0; i < stretches.size(); ++i) {
+      const Stretch& stretch = stretches[i];
+      if (stretch.cases == 0) continue;
+      const double itsFrom = i == 0 ? from : edges[i - 1];
+      const double itsTo = i == edges.size() ? to : edges[i];
+      if (stretch.lowest == stretch.highest || !HoldsQuartile(before, stretch.weight)) {
+        fValues[stretch.highest + 0.0] += stretch.weight;
+        fCases += stretch.cases;
+      } else if (stretch.cases <= kFetchedAtMost) {
+        FetchValues(itsFrom, itsTo);
+      } else {
+        CutStretch(FinerEdges(stretch, itsFrom, itsTo), itsFrom, itsTo, before);
+      }
+      before += stretch.weight;
+    }
+  }
+
+  /// At least one edge that parts the stretch.
+  std::vector<double> FinerEdges(const Stretch& stretch, double from, double to) {
+    std::vector<double> sample = SampleOf(from, to);
+    sample.erase(std::remove_if(sample.begin(), sample.end(), [&](double v) { return v <= stretch.lowest; }),
+                 sample.end());
+    if (sample.size() > 1) {
+      std::vector<double> edges = EdgesOf(sample);
+      if (!edges.empty()) return edges;
+    }
+    return {stretch.highest};
+  }
+
+  SqlTable& fTable;
+  const GroupQueries& fQueries;
+  const SqlDialect& fDialect;
+  bool fWeighted;
+  Scale* fScale = nullptr;
+  std::map<double, mpz_class> fValues;
+  std::int64_t fCases = 0;
+};
+
+/// Sums up all that can be; what lies too deep is asked again with more pieces.
+void AskAllSums(Summarizing& summarizing, std::vector<Scale>& scales) {
+  std::vector<Scale*> open;
+  for (Scale& scale : scales) {
+    if (!scale.request->facts.hasNumbers) continue;
+    summarizing.PlanSums(scale, kBitsBelowSample);
+    open.push_back(&scale);
+  }
+  for (int bitsBelow = kBitsBelowSample; !open.empty(); bitsBelow += 2 * kBitsOfProducts) {
+    std::vector<Scale*> again;
+    for (std::size_t first = 0; first < open.size(); first += kColumnsAtOnce) {
+      std::vector<Scale*> asked;
+      for (std::size_t i = first; i < std::min(open.size(), first + kColumnsAtOnce); ++i) {
+        if (bitsBelow > kBitsBelowSample) summarizing.PlanSums(*open[i], bitsBelow);
+        if (open[i]->plan)
+          asked.push_back(open[i]);
+        else
+          open[i]->summary.isKnown = false;
+      }
+      if (asked.empty()) continue;
+      summarizing.AskSums(asked);
+      for (Scale* scale : asked) {
+        if (scale->hasBitsBelow)
+          again.push_back(scale);
+        else
+          summarizing.FinishSums(*scale);
+      }
+    }
+    open = std::move(again);
+  }
+}
+
+}  // namespace
+
+std::vector<ScaleSummary> SummarizeScales(SqlTable& table, const GroupQueries& queries,
+                                          const std::vector<ScaleRequest>& requests) {
+  Summarizing summarizing(table, queries);
+  std::vector<Scale> scales(requests.size());
+  for (std::size_t i = 0; i < requests.size(); ++i) scales[i].request = &requests[i];
+  AskAllSums(summarizing, scales);
+  std::vector<ScaleSummary> summaries;
+  for (Scale& scale : scales) {
+    if (scale.summary.isKnown && scale.cases > 0) summarizing.FindValues(scale);
+    summaries.push_back(std::move(scale.summary));
+  }
+  return summaries;
+}
+
+}  // namespace runtime::data

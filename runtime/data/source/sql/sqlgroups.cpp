@@ -1,0 +1,540 @@
+#include "runtime/data/source/sql/sqlgroups.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "runtime/data/source/numbercolumn.h"
+#include "runtime/data/source/sql/exactwhole.h"
+#include "runtime/data/source/sql/groupedrows.h"
+#include "runtime/data/source/sql/sqlcell.h"
+#include "runtime/data/source/sql/typegroups.h"
+#include "runtime/data/typing/quotedcell.h"
+#include "runtime/data/typing/readcolumn.h"
+
+namespace runtime::data {
+
+namespace {
+
+constexpr std::int64_t kMostFirstRows = 5000;
+constexpr std::int64_t kFewestFirstRows = 200;
+constexpr std::int64_t kFirstCells = 500'000;  // of all columns
+constexpr std::int64_t kMostGroups = 50'000;   // of a column that is fetched at once
+constexpr std::size_t kColumnsTogether = 30;   // grouped in one scan
+
+bool IsText(SqlType type) { return type == SqlType::Text || type == SqlType::FixedText; }
+bool IsExactNumber(SqlType type) {
+  return type == SqlType::Whole || type == SqlType::Decimal || type == SqlType::Double;
+}
+
+std::optional<std::string_view> View(const std::optional<std::string>& cell) {
+  return cell ? std::optional<std::string_view>(*cell) : std::nullopt;
+}
+
+}  // namespace
+
+SqlGroups::SqlGroups(std::shared_ptr<SqlTable> table, std::vector<ColumnPlan> plans,
+                     machine::ProgressListener onProgress)
+    : fTable(std::move(table)), fPlans(std::move(plans)), fOnProgress(std::move(onProgress)), fQueries(*fTable) {}
+
+SqlGroups::~SqlGroups() = default;
+
+void SqlGroups::Tell(std::size_t columnsDone) const {
+  if (!fOnProgress || fColumns.empty()) return;
+  const double share = static_cast<double>(columnsDone) / static_cast<double>(fColumns.size());
+  fOnProgress({static_cast<std::int64_t>(share * static_cast<double>(fRows)), share});
+}
+
+void SqlGroups::CountRows() {
+  fRows = 0;
+  fAllWeight = 0;
+  fTable->Ask([&](const SqlPlace& place) { return fQueries.Rows(place); },
+              [&](SqlRows& rows) {
+                const std::int64_t cases = WholeCell(rows, 0);
+                fRows += cases;
+                if (fQueries.weight().form != SqlWeight::Form::Pairs)
+                  fAllWeight += fQueries.weight().WeightOf(rows, 1, static_cast<long>(cases));
+              });
+}
+
+void SqlGroups::ReadFirstRows() {
+  fHasFirstRows = true;
+  const auto columns = static_cast<std::int64_t>(fColumns.size());
+  const std::int64_t rows = std::clamp(kFirstCells / columns, kFewestFirstRows, kMostFirstRows);
+  if (fRows <= rows) return;  // few rows need no looking ahead
+  fTable->AskFirst(fQueries.FirstRows(fTable->first(), rows), [&](SqlRows& answer) {
+    Cells& cells = fFirstRows.emplace_back(fColumns.size());
+    for (std::size_t column = 0; column < cells.size(); ++column)
+      if (const std::optional<std::string_view> text = answer.Text(column)) cells[column] = std::string(*text);
+  });
+  FindMergingCollations();
+}
+
+/// A collation that takes different texts for equal would merge their groups.
+void SqlGroups::FindMergingCollations() {
+  if (fTable->dialect().binaryText == nullptr || !fTable->dialect().comparesBytes) return;
+  std::vector<std::size_t> texts;
+  for (std::size_t column = 0; column < fColumns.size(); ++column)
+    if (IsText(itself(column).type)) texts.push_back(column);
+  if (texts.empty()) return;
+  fTable->AskFirst(fQueries.MergedTexts(fTable->first(), texts, kMostFirstRows), [&](SqlRows& rows) {
+    for (std::size_t i = 0; i < texts.size(); ++i)
+      if (WholeCell(rows, i) > 0) fQueries.CompareBytes(texts[i]);
+  });
+}
+
+bool SqlGroups::IsNumeric(std::size_t column) const {
+  const FieldType declared = fPlans[column].dialect.type;
+  const FieldType type = fColumns[column].type;
+  return type != FieldType::String && (declared == FieldType::Inferred || NumbersServe(type, declared));
+}
+
+bool SqlGroups::MayStayUngrouped(std::size_t column) const {
+  const FieldType declared = fPlans[column].dialect.type;
+  if (IsText(itself(column).type)) return declared == FieldType::Inferred || declared == FieldType::String;
+  return IsExactNumber(itself(column).type) && IsNumeric(column) && CanSummarize(column);
+}
+
+bool SqlGroups::CanSummarize(std::size_t column) const {
+  const SqlDialect& dialect = fTable->dialect();
+  return dialect.decimalType != nullptr && dialect.sumsAreWide && IsExactNumber(itself(column).type) &&
+         fQueries.weight().form != SqlWeight::Form::Pairs;
+}
+
+void SqlGroups::Read(const std::optional<WeightColumn>& weight) {
+  fColumns.clear();
+  fColumns.resize(fTable->columns().size());
+  fTyped.clear();
+  fTyped.resize(fColumns.size());
+  for (std::size_t column = 0; column < fColumns.size(); ++column)
+    fColumns[column].type = FieldTypeOf(itself(column).type);
+  fQueries.SetWeight({});
+  CountRows();
+  if (!fHasFirstRows) ReadFirstRows();
+  if (weight) {
+    PlanWeight(*weight);
+    if (fQueries.weight().form == SqlWeight::Form::Pieces) CountRows();
+  }
+  GroupFirstRows();
+
+  std::size_t done = 0;
+  const std::vector<std::size_t> together = ChooseColumnsToGroup();
+  const bool inOneScan = fTable->dialect().hasGroupingSets && !fTable->hasArms();
+  const std::size_t atOnce = inOneScan ? kColumnsTogether : 1;
+  for (std::size_t first = 0; first < together.size(); first += atOnce) {
+    GroupTogether({together.begin() + static_cast<std::ptrdiff_t>(first),
+                   together.begin() + static_cast<std::ptrdiff_t>(std::min(together.size(), first + atOnce))});
+    Tell(done += atOnce);
+  }
+  std::vector<std::size_t> ungrouped;
+  for (std::size_t column = 0; column < fColumns.size(); ++column)
+    if (!fColumns[column].isComplete) ungrouped.push_back(column);
+  DescribeUngrouped(ungrouped);
+  for (std::size_t column = 0; column < fColumns.size(); ++column)
+    if (fColumns[column].isComplete) Type(column);
+  Tell(fColumns.size());
+}
+
+// The weight.
+
+void SqlGroups::PlanWeight(const WeightColumn& weight) {
+  fMissingOfWeight = weight.missing;
+  if (IsExactNumber(itself(weight.column).type) && IsNumeric(weight.column) && PlanPiecesOfWeight(weight)) return;
+  PlanPairs(weight);
+}
+
+bool SqlGroups::PlanPiecesOfWeight(const WeightColumn& weight) {
+  const SqlDialect& dialect = fTable->dialect();
+  SqlWeight planned;
+  planned.form = SqlWeight::Form::Pieces;
+  planned.column = weight.column;
+  planned.number = ValidWeightExpression(dialect, fQueries.Number(weight.column), weight.missing);
+  constexpr int kBits = 52;
+  const int bitsOfSum = 62 - TopBit(static_cast<double>(fRows));
+  const int bits = dialect.sumsAreWide ? kBits : std::min(kBits, bitsOfSum);
+
+  int top = 1;
+  int lowest = 0;
+  bool isSure = true;
+  const auto include = [&](double number) {
+    if (!(number > 0.0) || weight.missing.holds(number)) return;
+    top = std::max(top, TopBit(number));
+    lowest = std::min(lowest, LowestBit(number));
+  };
+  if (Group(weight.column, kMostGroups)) {
+    const RawGroups& groups = fColumns[weight.column].groups;
+    for (std::size_t i = 0; i < groups.size(); ++i)
+      if (!groups.isNull(i)) include(NumberOfCell(itself(weight.column).type, groups.text(i)));
+    fColumns[weight.column].isComplete = false;  // to be grouped once more, with its weight
+  } else {
+    isSure = false;
+    for (const Cells& cells : fFirstRows)
+      if (const auto& cell = cells[weight.column]) include(NumberOfCell(itself(weight.column).type, *cell));
+    const std::string valid = planned.number;
+    fTable->Ask(
+        [&](const SqlPlace& place) {
+          return fmt::format("SELECT {} FROM ({}) g", dialect.CastToText("hi", SqlType::Double),
+                             fQueries.Summary(place, valid + " AS w", "MAX(w) AS hi"));
+        },
+        [&](SqlRows& rows) {
+          if (const auto text = rows.Text(0)) top = std::max(top, TopBit(NumberOfCell(SqlType::Double, *text)));
+        });
+    lowest -= 20;
+  }
+  for (;;) {
+    const std::optional<PiecePlan> pieces = PlanPieces(top, lowest, bits);
+    if (!pieces || bits < 8) return false;
+    planned.pieces = *pieces;
+    planned.unit = pieces->lowestExponent();
+    std::int64_t deeper = 0;
+    if (!isSure)
+      fTable->Ask(
+          [&](const SqlPlace& place) {
+            return fQueries.Summary(
+                place, planned.number + " AS w",
+                fmt::format("SUM(CASE WHEN {} THEN 1 ELSE 0 END)", HasBitsBelow(dialect, "w", *pieces)));
+          },
+          [&](SqlRows& rows) { deeper += WholeCell(rows, 0); });
+    if (deeper == 0) break;
+    lowest -= 2 * bits;
+  }
+  fQueries.SetWeight(std::move(planned));
+  return true;
+}
+
+void SqlGroups::PlanPairs(const WeightColumn& weight) {
+  Complete(weight.column);
+  Type(weight.column);
+  SqlWeight planned;
+  planned.form = SqlWeight::Form::Pairs;
+  planned.column = weight.column;
+  const RawGroups& groups = fColumns[weight.column].groups;
+  const std::vector<double> numbers = NumbersOf(fTyped[weight.column].column);
+  const auto isValid = [&](double number) {
+    return number > 0.0 && std::isfinite(number) && !weight.missing.holds(number);
+  };
+  for (const double number : numbers)
+    if (isValid(number)) planned.unit = std::min(planned.unit, LowestBit(number));
+  fAllWeight = 0;
+  for (std::size_t i = 0; i < groups.size(); ++i) {
+    if (!isValid(numbers[i])) continue;
+    const mpz_class units = MultipleOf(numbers[i], planned.unit);
+    planned.ofText.emplace(groups.text(i), units);
+    fAllWeight += units * static_cast<long>(groups.cases(i));
+  }
+  fQueries.SetWeight(std::move(planned));
+  fColumns[weight.column].isComplete = false;  // to be grouped once more, with its weight
+}
+
+mpz_class SqlGroups::WeightOfCells(const Cells& cells) const {
+  const SqlWeight& weight = fQueries.weight();
+  const std::optional<std::string>& cell = cells[weight.column];
+  if (!cell) return 0;
+  if (weight.form == SqlWeight::Form::Pairs) {
+    const auto found = weight.ofText.find(*cell);
+    return found == weight.ofText.end() ? mpz_class(0) : found->second;
+  }
+  const double number = NumberOfCell(itself(weight.column).type, *cell);
+  const bool counts = number > 0.0 && !fMissingOfWeight.holds(number);
+  return counts ? MultipleOf(number, weight.unit) : mpz_class(0);
+}
+
+// The groups.
+
+void SqlGroups::GroupFirstRows() {
+  const bool weighted = fQueries.weight().weighted();
+  for (Column& column : fColumns) {
+    column.first = RawGroups(weighted);
+    column.groups = RawGroups(weighted);
+  }
+  for (const Cells& cells : fFirstRows) {
+    const mpz_class weight = weighted ? WeightOfCells(cells) : mpz_class(1);
+    for (std::size_t column = 0; column < fColumns.size(); ++column) {
+      RawGroups& groups = fColumns[column].first;
+      const std::size_t group = groups.Enter(View(cells[column]));
+      groups.AddCases(group, 1);
+      if (weighted) groups.AddWeight(group, weight);
+    }
+  }
+}
+
+std::vector<std::size_t> SqlGroups::ChooseColumnsToGroup() {
+  std::vector<std::size_t> together;
+  const std::size_t sampled = fFirstRows.size();
+  for (std::size_t column = 0; column < fColumns.size(); ++column) {
+    const std::size_t distinct = fColumns[column].first.size();
+    if (sampled == 0 || distinct * 5 <= sampled) {
+      together.push_back(column);
+      continue;
+    }
+    if (!MayStayUngrouped(column)) {
+      Complete(column);
+      continue;
+    }
+    // When nearly each of the first rows has a value of its own, there are far more values than are fetched.
+    const bool isHopeless = distinct * 20 > sampled * 19;
+    if (!isHopeless) Group(column, kMostGroups);
+  }
+  return together;
+}
+
+void SqlGroups::TakeRow(RawGroups& groups, SqlRows& rows, std::size_t at) const {
+  const std::size_t group = groups.Enter(rows.Text(at));
+  const std::int64_t cases = WholeCell(rows, at + 1);
+  groups.AddCases(group, cases);
+  if (groups.weighted()) groups.AddWeight(group, fQueries.weight().WeightOf(rows, at + 2, static_cast<long>(cases)));
+}
+
+void SqlGroups::GroupTogether(const std::vector<std::size_t>& columns) {
+  if (columns.size() == 1) {
+    const bool mayStay = MayStayUngrouped(columns.front());
+    Group(columns.front(), mayStay ? std::optional<std::int64_t>(kMostGroups) : std::nullopt);
+    return;
+  }
+  for (const std::size_t column : columns) fColumns[column].groups = RawGroups(fQueries.weight().weighted());
+  fTable->Ask([&](const SqlPlace& place) { return fQueries.GroupingSets(place, columns); },
+              [&](SqlRows& rows) {
+                const auto which = static_cast<std::size_t>(WholeCell(rows, 0));
+                TakeRow(fColumns[columns.at(which)].groups, rows, 1);
+              });
+  for (const std::size_t column : columns) {
+    CheckSum(column);
+    fColumns[column].isComplete = true;
+  }
+}
+
+bool SqlGroups::Group(std::size_t column, std::optional<std::int64_t> most) {
+  RawGroups groups(fQueries.weight().weighted());
+  std::int64_t answers = 0;
+  const std::optional<std::int64_t> asked = most ? std::optional<std::int64_t>(*most + 1) : std::nullopt;
+  fTable->Ask([&](const SqlPlace& place) { return fQueries.Groups(place, column, asked); },
+              [&](SqlRows& rows) {
+                ++answers;
+                TakeRow(groups, rows, 0);
+              });
+  if (most && answers > *most) return false;
+  fColumns[column].groups = std::move(groups);
+  CheckSum(column);
+  fColumns[column].isComplete = true;
+  return true;
+}
+
+void SqlGroups::Complete(std::size_t column) {
+  if (!fColumns[column].isComplete) Group(column, std::nullopt);
+}
+
+void SqlGroups::CheckSum(std::size_t column) const {
+  const std::int64_t counted = fColumns[column].groups.allCases();
+  if (counted == fRows) return;
+  throw DataError(
+      fmt::format("{}: column {}: the groups that the database counted have {} rows and the table has {}; a "
+                  "part of the data did not answer, or it changes while it is read, and no result can be "
+                  "trusted; run it again when all parts are there",
+                  fTable->name(), QuotedCell(itself(column).name), counted, fRows));
+}
+
+// What the columns hold.
+
+ManyValuedColumn SqlGroups::ManyValued(std::size_t column) const {
+  ManyValuedColumn many;
+  many.column = column;
+  many.isText = !IsNumeric(column);
+  if (many.isText) return many;
+  const RawGroups& first = fColumns[column].first;
+  for (std::size_t i = 0; i < first.size(); ++i) {
+    const double number = first.isNull(i) ? NAN : NumberOfCell(itself(column).type, first.text(i));
+    if (!std::isnan(number)) many.firstNumbers.push_back(number);
+  }
+  std::sort(many.firstNumbers.begin(), many.firstNumbers.end());
+  many.firstNumbers.erase(std::unique(many.firstNumbers.begin(), many.firstNumbers.end()), many.firstNumbers.end());
+  many.decimals = WithDecimalsOf(many.firstNumbers.data(), many.firstNumbers.size(), 0);
+  return many;
+}
+
+void SqlGroups::DescribeUngrouped(const std::vector<std::size_t>& columns) {
+  std::vector<ManyValuedColumn> many;
+  for (const std::size_t column : columns) many.push_back(ManyValued(column));
+  std::vector<ManyValuedFacts> facts = FindFacts(*fTable, fQueries, many);
+  std::vector<std::size_t> asTexts;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    Column& column = fColumns[columns[i]];
+    column.facts = std::move(facts[i]);
+    const bool isBeyond = !many[i].isText && itself(columns[i]).type != SqlType::Double && column.facts.hasNumbers &&
+                          std::max(-column.facts.lowest, column.facts.highest) >= kLargestWhole;
+    if (isBeyond || !column.facts.decimalsAreKnown)
+      Complete(columns[i]);
+    else
+      TypeUngrouped(columns[i]);
+  }
+}
+
+void SqlGroups::Type(std::size_t column) {
+  Column& itsGroups = fColumns[column];
+  if (HasWholesBeyondDoubles(itself(column).type, itsGroups.groups)) itsGroups.type = FieldType::String;
+  fTyped[column] = TypeGroups(itself(column), itsGroups.type, fPlans[column], itsGroups.groups);
+}
+
+void SqlGroups::TypeUngrouped(std::size_t column) {
+  const Column& known = fColumns[column];
+  TypedColumn& typed = fTyped[column];
+  typed = TypeGroups(itself(column), known.type, fPlans[column], known.first);
+  typed.facts.rows = fRows;
+  if (typed.facts.isString()) {
+    typed.facts.longestValue = std::max(typed.facts.longestValue, static_cast<std::size_t>(known.facts.longestText));
+    return;
+  }
+  if (typed.facts.type == FieldType::Number) typed.facts.decimals = known.facts.decimals;
+  if (known.facts.hasNumbers)
+    typed.facts.values.Include({true, known.facts.allWhole, known.facts.lowest, known.facts.highest});
+}
+
+// Answers to a cursor.
+
+CountedGroups SqlGroups::AllCases() const {
+  GroupedRows rows(fQueries.weight());
+  rows.Add(0, fAllWeight);
+  return rows.Take({});
+}
+
+CountedGroups SqlGroups::OfColumn(std::size_t column) const {
+  const RawGroups& groups = fColumns[column].groups;
+  GroupedRows rows(fQueries.weight());
+  for (std::size_t i = 0; i < groups.size(); ++i) rows.Add(i, WeightOfGroup(groups, i));
+  return rows.Take({fTyped[column].column});
+}
+
+CountedGroups SqlGroups::OfFirstRows(std::size_t column) const {
+  const RawGroups& first = fColumns[column].first;
+  GroupedRows rows(fQueries.weight());
+  for (std::size_t i = 0; i < first.size(); ++i) rows.Add(i, WeightOfGroup(first, i));
+  CountedGroups counted = rows.Take({fTyped[column].column});
+  counted.isComplete = false;
+  return counted;
+}
+
+CountedGroups SqlGroups::OfSummary(const ScaleSummary& summary) const {
+  std::vector<double> numbers;
+  GroupedRows rows(fQueries.weight());
+  mpz_class missing = fAllWeight - summary.valid;
+  if (missing > 0) {
+    rows.Add(numbers.size(), missing);
+    numbers.push_back(std::numeric_limits<double>::quiet_NaN());
+  }
+  for (const WeightedNumber& number : summary.values) {
+    rows.Add(numbers.size(), number.weight);
+    numbers.push_back(number.value);
+  }
+  CountedGroups counted = rows.Take({NumbersColumn(numbers)});
+  counted.hasMoments = true;
+  counted.valueSums = summary.valueSums;
+  counted.squareSums = summary.squareSums;
+  return counted;
+}
+
+CountedGroups SqlGroups::Joint(const std::vector<int>& variables) {
+  std::vector<std::size_t> columns;
+  for (const int variable : variables) columns.push_back(static_cast<std::size_t>(variable));
+  for (const std::size_t column : columns) {
+    if (fColumns[column].isComplete) continue;
+    Complete(column);
+    Type(column);
+  }
+  std::vector<std::vector<std::uint32_t>> groupOfRow(columns.size());
+  std::vector<mpz_class> weights;
+  std::int64_t cases = 0;
+  fTable->Ask([&](const SqlPlace& place) { return fQueries.JointGroups(place, columns); },
+              [&](SqlRows& rows) {
+                for (std::size_t i = 0; i < columns.size(); ++i) {
+                  const std::optional<std::size_t> group = fColumns[columns[i]].groups.Find(rows.Text(i));
+                  if (!group)
+                    throw DataError(
+                        fmt::format("{}: column {}: the database gave a value that it had not before; the "
+                                    "table changes while it is read; run it again",
+                                    fTable->name(), QuotedCell(itself(columns[i]).name)));
+                  groupOfRow[i].push_back(static_cast<std::uint32_t>(*group));
+                }
+                const std::int64_t itsCases = WholeCell(rows, columns.size());
+                cases += itsCases;
+                weights.push_back(fQueries.weight().WeightOf(rows, columns.size() + 1, static_cast<long>(itsCases)));
+              });
+  if (cases != fRows)
+    throw DataError(
+        fmt::format("{}: the groups of the set with column {} have {} rows and the table has {}; a part of "
+                    "the data did not answer, and no result can be trusted",
+                    fTable->name(), QuotedCell(itself(columns.front()).name), cases, fRows));
+  std::vector<StoredColumn> stored;
+  for (std::size_t i = 0; i < columns.size(); ++i) stored.push_back(Gather(fTyped[columns[i]].column, groupOfRow[i]));
+  GroupedRows rows(fQueries.weight());
+  for (std::size_t i = 0; i < weights.size(); ++i) rows.Add(i, weights[i]);
+  return rows.Take(stored);
+}
+
+std::vector<CountedGroups> SqlGroups::Count(const std::vector<CountingRequest>& requests) {
+  std::vector<CountedGroups> answers(requests.size());
+  std::vector<ScaleRequest> scales;
+  std::vector<std::size_t> requestOfScale;
+  for (std::size_t i = 0; i < requests.size(); ++i) {
+    const CountingRequest& request = requests[i];
+    if (request.variables.empty()) {
+      answers[i] = AllCases();
+      continue;
+    }
+    if (request.variables.size() > 1) {
+      answers[i] = Joint(request.variables);
+      continue;
+    }
+    const auto column = static_cast<std::size_t>(request.variables.front());
+    const bool isScale = request.kind == CountingRequest::Kind::Scale;
+    if (!fColumns[column].isComplete && isScale && IsNumeric(column) && CanSummarize(column)) {
+      scales.push_back({ManyValued(column), fColumns[column].facts, fMissing[column]});
+      requestOfScale.push_back(i);
+      continue;
+    }
+    if (!fColumns[column].isComplete && isScale) {
+      Complete(column);
+      Type(column);
+    }
+    answers[i] = fColumns[column].isComplete ? OfColumn(column) : OfFirstRows(column);
+  }
+  std::vector<ScaleSummary> summaries = SummarizeScales(*fTable, fQueries, scales);
+  for (std::size_t i = 0; i < scales.size(); ++i) {
+    const std::size_t column = scales[i].column.column;
+    if (summaries[i].isKnown) {
+      answers[requestOfScale[i]] = OfSummary(summaries[i]);
+      continue;
+    }
+    Complete(column);
+    Type(column);
+    answers[requestOfScale[i]] = OfColumn(column);
+  }
+  return answers;
+}
+
+CountedGroups SqlGroups::CountAll(const CountingRequest& request) {
+  const auto column = static_cast<std::size_t>(request.variables.front());
+  // The groups of the first rows stand first, as they were given; then all of them with what is left of their weight.
+  const RawGroups first = fColumns[column].first;
+  RawGroups all(fQueries.weight().weighted());
+  for (std::size_t i = 0; i < first.size(); ++i)
+    all.Enter(first.isNull(i) ? std::nullopt : std::optional<std::string_view>(first.text(i)));
+  fTable->Ask([&](const SqlPlace& place) { return fQueries.Groups(place, column, std::nullopt); },
+              [&](SqlRows& rows) { TakeRow(all, rows, 0); });
+  fColumns[column].groups = std::move(all);
+  CheckSum(column);
+  fColumns[column].isComplete = true;
+  Type(column);
+  const RawGroups& groups = fColumns[column].groups;
+  GroupedRows rows(fQueries.weight());
+  for (std::size_t i = 0; i < first.size(); ++i) rows.Add(i, WeightOfGroup(first, i));
+  for (std::size_t i = 0; i < groups.size(); ++i) {
+    const mpz_class given = i < first.size() ? WeightOfGroup(first, i) : mpz_class(0);
+    const mpz_class left = WeightOfGroup(groups, i) - given;
+    if (i >= first.size() || left != 0) rows.Add(i, left);
+  }
+  return rows.Take({fTyped[column].column});
+}
+
+}  // namespace runtime::data
