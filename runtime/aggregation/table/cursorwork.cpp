@@ -130,9 +130,9 @@ void CursorWork::LeaveChunk() {
   }
 }
 
-std::optional<WeightTotal> CursorWork::AllCases() const {
+std::optional<CasesPassed> CursorWork::AllCases() const {
   if (fCursor == nullptr || !fCursor->exhausted() || !fFromTheBeginning) return std::nullopt;
-  return fAllCases.Total(0);
+  return CasesPassed{fCursor->row, fAllCases.Total(0)};
 }
 
 void CursorWork::BeginResults() {
@@ -141,7 +141,7 @@ void CursorWork::BeginResults() {
   if (binding == nullptr) return;
   if (binding->onResultsBegin) binding->onResultsBegin();
   if (!binding->onCasesWeighed) return;
-  if (const std::optional<WeightTotal> weight = AllCases()) binding->onCasesWeighed(NearestDouble(*weight));
+  if (const std::optional<CasesPassed> all = AllCases()) binding->onCasesWeighed(NearestDouble(all->weight));
 }
 
 void CursorWork::FinishTables() {
@@ -162,7 +162,7 @@ void CursorWork::FinishTables() {
       fTables.end());
   // The longest work first, so that no thread is left alone with it at the end.
   std::stable_sort(costs.begin(), costs.end(), [](const Cost& a, const Cost& b) { return a.values > b.values; });
-  const std::optional<WeightTotal> allCases = AllCases();
+  const std::optional<CasesPassed> allCases = AllCases();
   machine::ThreadPool* pool = PoolOfThread();
   if (pool == nullptr || values < kValuesWorthSharing)
     for (const Cost& cost : costs) cost.table->ComputeResults(allCases);
@@ -175,7 +175,7 @@ void CursorWork::CursorGone() {
   CursorsOfThread().erase(fCursor);
   // Tables take themselves off the list, and the last one takes this object with it.
   const std::vector<TableEngine*> tables = std::exchange(fTables, {});
-  const std::optional<WeightTotal> allCases = AllCases();
+  const std::optional<CasesPassed> allCases = AllCases();
   fCursor = nullptr;
   for (TableEngine* table : tables) table->CursorGone(allCases);
 }

@@ -18,6 +18,12 @@ namespace runtime::aggregation {
 
 class TableEngine;
 
+/// All that a cursor has gone through.
+struct CasesPassed {
+  std::int64_t rows = 0;
+  WeightTotal weight;
+};
+
 /// Works the tables' pending rows through before the cursor leaves a chunk, and scales the chunk's weights once for all
 /// of them, unless each has groups of its own. The tables are independent of each other within a chunk, and so are
 /// their results behind the last one: both are shared out among the threads of the calling thread's binding.
@@ -51,8 +57,8 @@ class CursorWork : public ChunkListener {
   const std::shared_ptr<ValueMemory>& memory() const { return fMemory; }
   /// The results of a table are about to be computed.
   void BeginResults();
-  /// The sum of the weights of all cases; null where the cursor has not gone through all of them, or had begun before.
-  std::optional<WeightTotal> AllCases() const;
+  /// Null where the cursor has not gone through all cases, or had begun before.
+  std::optional<CasesPassed> AllCases() const;
   /// Ends the counting for all tables. REQUIRES: the cursor is exhausted.
   void FinishTables();
   /// What a table's work threw while it was not to be told; nothing is counted behind it. Null: nothing.

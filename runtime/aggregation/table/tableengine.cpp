@@ -253,7 +253,7 @@ void TableEngine::BeginRun() {
   fSearchStep = kFirstSearchStep;
 }
 
-void TableEngine::CursorGone(const std::optional<WeightTotal>& allCases) {
+void TableEngine::CursorGone(const std::optional<CasesPassed>& allCases) {
   fTable.fProgress.pending.begin = fTable.fProgress.pending.end;
   const std::shared_ptr<CursorWork> work = std::exchange(fWork, nullptr);
   fFailure = work->failure();
@@ -297,7 +297,7 @@ std::size_t TableEngine::ValuesToFinish() const {
   return (fCounter == nullptr ? 0 : fCounter->slots()) + (fScaleCounter == nullptr ? 0 : fScaleCounter->keptValues());
 }
 
-void TableEngine::ComputeResults(const std::optional<WeightTotal>& allCases) noexcept {
+void TableEngine::ComputeResults(const std::optional<CasesPassed>& allCases) noexcept {
   try {
     MakeResults(allCases);
   } catch (...) {
@@ -318,9 +318,11 @@ ItemSketch TableEngine::SketchOfDimension() const {
   return sketch;
 }
 
-void TableEngine::MakeResults(const std::optional<WeightTotal>& allCases) {
-  const auto countedAll = [&allCases](const WeightTotal& total) {
-    return allCases && total.Exact() == allCases->Exact();
+void TableEngine::MakeResults(const std::optional<CasesPassed>& allCases) {
+  // Over groups a table may have come to the last of them and still not have taken the last row: it dropped out.
+  const bool tookLast = allCases && (allCases->rows == 0 || fTable.fProgress.pending.end == allCases->rows);
+  const auto countedAll = [&](const WeightTotal& total) {
+    return tookLast && total.Exact() == allCases->weight.Exact();
   };
   if (fCounter != nullptr) {
     if (!fSearches) fTable.fProgress.watch.count = fCounter->MarkCountedValues();

@@ -48,7 +48,7 @@ class TableEngine {
   std::size_t PendingCells() const;
   /// Ends the counting, as does Finish: the columns cannot be read any more. `allCases` as in ComputeResults. Does not
   /// throw.
-  void CursorGone(const std::optional<WeightTotal>& allCases);
+  void CursorGone(const std::optional<CasesPassed>& allCases);
   /// Values of the dimension met in the rows taken, looking ahead as far as pays; sets the table's watch.
   int NumberOfValues();
   /// Works the pending rows through and computes the results, those of all tables of an exhausted cursor at once.
@@ -61,9 +61,9 @@ class TableEngine {
   bool hasRequest() const { return fCounter != nullptr || fScaleCounter != nullptr; }
   /// How long ComputeResults takes, in values.
   std::size_t ValuesToFinish() const;
-  /// The results of the rows counted; touches nothing that tables share. `allCases`: the weight of all cases of the
-  /// cursor, where that is known. What it throws waits for Finish.
-  void ComputeResults(const std::optional<WeightTotal>& allCases) noexcept;
+  /// The results of the rows counted; touches nothing that tables share. `allCases`: of the cursor, where that is
+  /// known. What it throws waits for Finish.
+  void ComputeResults(const std::optional<CasesPassed>& allCases) noexcept;
   /// Ends the connection with the cursor.
   void Detach();
 
@@ -101,7 +101,7 @@ class TableEngine {
   void SearchUpTo(const Chunk& chunk, std::size_t row);
   void KeepFoundBefore(std::size_t row);
   void ForgetFound();
-  void MakeResults(const std::optional<WeightTotal>& allCases);
+  void MakeResults(const std::optional<CasesPassed>& allCases);
   ItemSketch SketchOfDimension() const;
   void MakeCategories();
   std::vector<double> CellValues(const std::vector<AggregationStatistic>& statistics, const WeightTotal& weight) const;

@@ -20,6 +20,7 @@ namespace {
 
 // The scaled weights of a chunk stand in memory once a table, and a wide codebook has thousands of tables.
 constexpr std::int64_t kRowsOfChunk = 8192;
+constexpr std::int64_t kRowsBehindValues = 2;
 
 /// A walk over the blocks of one table of stored cells.
 class BlockWalk {
@@ -268,14 +269,15 @@ class GroupCursor : public CaseCursor {
   }
 
   /// The rows of the cursor, given the length of its longest list. Whoever follows the number of values of a table asks
-  /// for it before it gives the table one more case, and only from as many cases on as there may be values. So that it
-  /// is asked for as it would be over all cases, one row follows the last group, and as many rows as a set may show
-  /// values, unless there are not even so many cases.
+  /// for it before the table takes one more case, and only from as many cases on as there may be values. So that this
+  /// comes as it would over all cases, there are as many rows as a set may show values, and one more, in which the last
+  /// table with too many of them is noticed, and another one, so that this does not happen in the very last case. But
+  /// there are never more rows than cases.
   std::int64_t RowsBehind(std::int64_t longest) const {
     if (fCases <= longest) return longest;
     std::int64_t most = longest;
     for (const std::unique_ptr<GroupList>& list : fLists) most = std::max(most, list->MostValues());
-    return std::min({most + 1, fCases, kMostCases});
+    return std::min({most + kRowsBehindValues, fCases, kMostCases});
   }
 
   const Dictionary& fDictionary;

@@ -12,13 +12,15 @@
 
 namespace runtime::data {
 
-/// The groups that answer one request.
+/// The groups that answer one request. A group whose weight no double holds takes several rows; the second and further
+/// rows of all groups stand behind the first rows of all. There are no more rows than cases: where a weight takes more
+/// of them than its group has cases, the weights of these cases are the rows.
 struct CountedGroups {
   std::vector<StoredColumn> columns;  // one a variable of the request, each with `rows` cells
   std::int64_t rows = 0;
   std::vector<double> weights;  // one a row, none negative or NaN; empty: 1 each
-  bool isComplete = true;       // else there are more groups than were given: at least one
-  // Of a scale request where the source formed the sums itself, see MomentParts.
+  bool isComplete = true;       // else there are more rows than were given: at least one
+  // Of a scale request where the source formed the sums itself, see MomentParts. Of a complete answer only.
   bool hasMoments = false;
   std::vector<double> valueSums;
   std::vector<double> squareSums;
@@ -30,7 +32,8 @@ class GroupSource {
   virtual ~GroupSource();
   /// Answers all requests of a cursor at once, before its first case. Parallel to the requests.
   virtual std::vector<CountedGroups> Count(const std::vector<CountingRequest>& requests) = 0;
-  /// All groups of a request that was not answered completely, in an order in which those given before come first.
+  /// All groups of a request that was not answered completely; the rows given before come first. Asked only when a
+  /// table has counted all that was given.
   virtual CountedGroups CountAll(const CountingRequest& request) = 0;
 };
 

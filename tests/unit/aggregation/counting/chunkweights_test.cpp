@@ -49,6 +49,17 @@ TEST(ChunkWeights, aFinerUnitRescalesTheSumsSoFar) {
   EXPECT_EQ(weights.Sum(), 1.5 + 0.1 + 1000.0 + std::ldexp(1.0, -20));
 }
 
+TEST(ChunkWeights, theUnitStaysWhenTheMemoryIsGivenBack) {
+  WeightScaler scaler;
+  const double fine = std::ldexp(1.0, -20);
+  EXPECT_EQ(scaler.Scale(&fine, 1).shift, 20);
+  scaler.Release();
+  const double coarse = 2.0;
+  const ChunkWeights scaled = scaler.Scale(&coarse, 1);
+  EXPECT_EQ(scaled.shift, 20);
+  EXPECT_EQ(scaled.narrow[0], std::uint64_t{2} << 20);
+}
+
 TEST(ChunkWeights, weightsTooFarApartAreSummedInWideAccumulators) {
   Weights weights;
   EXPECT_EQ(weights.Add({1.0}), Form::Narrow);

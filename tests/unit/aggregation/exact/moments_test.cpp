@@ -32,6 +32,17 @@ Moments Of(const std::vector<double>& values) {
   return {sums.Mean(Units(values.size())), sums.StandardDeviation(Units(values.size()))};
 }
 
+TEST(Moments, addPartsOfTheSumsExactly) {
+  MomentSums sums;
+  const double value = 3.0;
+  sums.AddUnits(&value, 1);
+  const std::vector<double> products{0x1p1000, 7.0, kDenormal, -0x1p1000, -kDenormal};
+  const std::vector<double> squares{0x1p1000, 49.0, -0x1p1000};
+  sums.AddParts(products, squares);
+  EXPECT_EQ(sums.Mean(Units(2)), 5.0);
+  EXPECT_EQ(sums.StandardDeviation(Units(2)), std::sqrt(8.0));
+}
+
 TEST(Moments, areCorrectlyRoundedForRandomValues) {
   std::mt19937_64 random(5);
   for (int round = 0; round < 200; ++round) {

@@ -6,8 +6,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
-#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -18,6 +16,7 @@
 
 #include "runtime/data/builder.h"
 #include "runtime/data/store/groupeddataset.h"
+#include "tests/unit/data/support/storedcells.h"
 
 namespace runtime::data::test {
 
@@ -124,29 +123,23 @@ class GroupingSource : public GroupSource {
     std::size_t firstCase = 0;
     std::size_t cases = 0;
     SumOfWeights weight;
-    std::vector<double> weights;  // those of its cases
+    std::vector<double> weights;  // those of its cases, above 0
   };
   struct Row {
     std::size_t ofCase;  // one with the row's values
     double weight;
   };
 
-  template <class Integer>
-  static double NumberAt(const void* cells, std::size_t row) {
-    const Integer cell = static_cast<const Integer*>(cells)[row];
-    return cell == std::numeric_limits<Integer>::min() ? std::numeric_limits<double>::quiet_NaN() : cell;
-  }
-
   static Cell CellAt(const ColumnView& view, std::size_t row) {
     switch (view.storage) {
       case ColumnStorage::StringCode:
         return {true, 0.0, std::string(view.strings->Text(static_cast<const std::uint32_t*>(view.cells)[row]))};
       case ColumnStorage::Int8:
-        return {false, NumberAt<std::int8_t>(view.cells, row), {}};
+        return {false, NumberOf<std::int8_t>(view, row), {}};
       case ColumnStorage::Int16:
-        return {false, NumberAt<std::int16_t>(view.cells, row), {}};
+        return {false, NumberOf<std::int16_t>(view, row), {}};
       case ColumnStorage::Int32:
-        return {false, NumberAt<std::int32_t>(view.cells, row), {}};
+        return {false, NumberOf<std::int32_t>(view, row), {}};
       case ColumnStorage::Float64:
         break;
     }
@@ -169,7 +162,7 @@ class GroupingSource : public GroupSource {
       Group& group = groups[place->second];
       ++group.cases;
       group.weight.Add(fWeights[i]);
-      group.weights.push_back(fWeights[i]);
+      if (fWeights[i] > 0.0) group.weights.push_back(fWeights[i]);
     }
     return groups;
   }
@@ -182,6 +175,7 @@ class GroupingSource : public GroupSource {
       std::shuffle(groups.begin(), groups.end(), random);
     }
     std::vector<Row> rows;
+    std::vector<Row> further;
     for (std::size_t i = 0; i < groups.size(); ++i) {
       const Group& group = groups[i];
       std::vector<double> parts = group.weight.Parts();
@@ -192,8 +186,10 @@ class GroupingSource : public GroupSource {
             half + half == parts.front() ? std::vector<double>{half, half} : std::vector<double>{parts.front(), 0.0};
       }
       if (parts.size() > group.cases) parts = group.weights;
-      for (const double part : parts) rows.push_back({group.firstCase, part});
+      rows.push_back({group.firstCase, parts.front()});
+      for (std::size_t part = 1; part < parts.size(); ++part) further.push_back({group.firstCase, parts[part]});
     }
+    rows.insert(rows.end(), further.begin(), further.end());
     return rows;
   }
 
@@ -235,7 +231,7 @@ class GroupingSource : public GroupSource {
   static std::optional<double> Product(double a, double b) {
     const double product = a * b;
     if (!std::isfinite(product) || std::fma(a, b, -product) != 0.0) return std::nullopt;
-    if (product != 0.0 && std::abs(product) < 0x1p-900) return std::nullopt;
+    if (a != 0.0 && b != 0.0 && std::abs(product) < 0x1p-900) return std::nullopt;
     return product;
   }
 
