@@ -79,7 +79,7 @@ class Walker {
       if (byte == '(') ++depth;
       if (byte == ')' && --depth < 0) walk.isPaired = false;
       SkipWord();
-      if (walk.firstWord.empty() && byte != '(') walk.firstWord = fText.substr(begin, fPlace - begin);
+      if (walk.firstWord.empty() && byte != '(' && byte != ')') walk.firstWord = fText.substr(begin, fPlace - begin);
     }
     walk.isPaired = walk.isPaired && depth == 0;
     return walk;

@@ -4,6 +4,7 @@
 
 #include "runtime/data/lowerascii.h"
 #include "runtime/data/open.h"
+#include "runtime/data/source/odbc/odbcconnection.h"
 #include "runtime/data/source/sqlite/sqliteconnection.h"
 
 namespace runtime::data {
@@ -20,9 +21,10 @@ SqlConnection::~SqlConnection() = default;
 
 std::unique_ptr<SqlConnection> OpenSqlConnection(const std::string& address) {
   if (HasScheme(address, "sqlite:")) return OpenSqliteConnection(address);
-  throw DataError(fmt::format("{}: the address of a database begins with sqlite:", address));
+  if (HasScheme(address, "odbc:")) return OpenOdbcConnection(address);
+  throw DataError(fmt::format("{}: the address of a database begins with sqlite: or odbc:", address));
 }
 
-bool IsSqlAddress(const std::string& path) { return HasScheme(path, "sqlite:"); }
+bool IsSqlAddress(const std::string& path) { return HasScheme(path, "sqlite:") || HasScheme(path, "odbc:"); }
 
 }  // namespace runtime::data

@@ -28,7 +28,7 @@ enum class SqlType {
 struct SqlColumn {
   std::string name;
   SqlType type = SqlType::Text;
-  int decimals = 0;         // Decimal: digits behind the point, as declared
+  int decimals = 0;         // Decimal: digits behind the point, as declared; -1 where any number of them may be
   bool isMixed = false;     // Text, for there are texts among its numbers; only of engines whose columns mix types
   std::string description;  // the comment that the database keeps on the column; empty when there is none
 };
@@ -60,6 +60,9 @@ class SqlConnection {
   virtual std::string Quoted(std::string_view identifier) const = 0;
   /// The rows of a query. One answer at a time: the one before must be gone.
   virtual std::unique_ptr<SqlRows> Ask(const std::string& query) = 0;
+  /// The same, for an answer that may be kept in memory whole: an engine may be faster so (PostgreSQL's parallel
+  /// workers do not serve an answer that is fetched little by little).
+  virtual std::unique_ptr<SqlRows> AskWhole(const std::string& query) { return Ask(query); }
   /// Runs a statement that has no rows, such as a setting of the session.
   virtual void Run(const std::string& statement) = 0;
   /// Goes on after a query that failed: the transaction stands as if it had not been asked. To be called before a query
