@@ -4,7 +4,6 @@
 #include <cstring>
 #include <limits>
 #include <memory>
-#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -16,6 +15,7 @@
 
 #include "runtime/aggregation/binding.h"
 #include "runtime/data/builder.h"
+#include "tests/unit/aggregation/support/random.h"
 #include "tests/unit/aggregation/support/rational.h"
 #include "tests/unit/aggregation/support/reference.h"
 #include "tests/unit/aggregation/support/testdataset.h"
@@ -26,20 +26,6 @@ using namespace TableEncryptionCodes;
 using reference::Value;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-struct Random {
-  std::mt19937_64 engine;
-
-  explicit Random(std::uint64_t seed) : engine(seed) {}
-  /// From 0 to below `bound`.
-  std::size_t Below(std::size_t bound) { return static_cast<std::size_t>(engine() % bound); }
-  bool OneIn(std::size_t n) { return Below(n) == 0; }
-  double Unit() { return static_cast<double>(engine() >> 11) * 0x1p-53; }
-  template <class T>
-  const T& Of(const std::vector<T>& choices) {
-    return choices[Below(choices.size())];
-  }
-};
 
 double RandomNumber(Random& random, int kind) {
   if (random.OneIn(6)) return kNaN;

@@ -5,7 +5,6 @@
 #include <limits>
 #include <memory>
 #include <optional>
-#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -20,6 +19,7 @@
 #include "runtime/data/open.h"
 #include "runtime/machine/threadpool.h"
 #include "runtime/output/render/json.h"
+#include "tests/unit/aggregation/support/random.h"
 #include "tests/unit/codebook/commandrun.h"
 #include "tests/unit/data/support/groupingsource.h"
 
@@ -77,22 +77,6 @@ std::string ReportOf(const std::shared_ptr<const Dataset>& dataset, const std::s
   text << "weighted " << (weight ? PlainNumber(*weight) : "") << '\n';
   return text.str();
 }
-
-class Random {
- public:
-  explicit Random(std::uint64_t seed) : fEngine(seed) {}
-  /// From 0 to below `bound`.
-  std::size_t Below(std::size_t bound) { return static_cast<std::size_t>(fEngine() % bound); }
-  bool OneIn(std::size_t n) { return Below(n) == 0; }
-  double Unit() { return static_cast<double>(fEngine() >> 11) * 0x1p-53; }
-  template <class T>
-  const T& Of(const std::vector<T>& choices) {
-    return choices[Below(choices.size())];
-  }
-
- private:
-  std::mt19937_64 fEngine;
-};
 
 double AnyNumber(Random& random, std::size_t kind) {
   if (random.OneIn(9)) return kNaN;
