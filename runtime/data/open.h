@@ -19,6 +19,7 @@ namespace runtime::data {
 
 struct ReadingFacts;
 struct TableDescriptor;
+class SqlConnection;
 
 /// The data or the dictionary cannot be read: what, where (file, line, column, variable) and what to do, in what().
 class DataError : public std::runtime_error {
@@ -56,6 +57,8 @@ struct OpenOptions {
   bool countInDatabase = false;
   /// Told of each statement that is sent to a database, with the name of the database. May be empty.
   std::function<void(const std::string& source, const std::string& query)> onQuery;
+  /// Connects to the database of an address; empty: by what the address says.
+  std::function<std::unique_ptr<SqlConnection>(const std::string& address)> connect;
   bool inference = true;       // else a column whose type nothing says is text
   bool explainTypes = false;   // gather the decisions about types
   bool strict = false;         // what does not fit the dictionary is an error

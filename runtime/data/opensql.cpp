@@ -144,6 +144,7 @@ std::shared_ptr<SqlTable> OpenSqlTable(const OpenOptions& options) {
   wanted.table = options.table;
   wanted.query = options.query;
   wanted.onQuery = options.onQuery;
+  wanted.connect = options.connect;
   return std::make_shared<SqlTable>(wanted);
 }
 

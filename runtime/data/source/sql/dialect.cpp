@@ -13,8 +13,9 @@ SqlDialect PostgreSql() {
   dialect.name = "PostgreSQL";
   dialect.textType = "text";
   dialect.decimalType = "numeric";
-  dialect.byteLength = "OCTET_LENGTH(CONVERT_TO({}, 'UTF8'))";
   dialect.binaryText = "({} COLLATE \"C\")";
+  dialect.encoding = "SHOW server_encoding";
+  dialect.convertedLength = "OCTET_LENGTH(CONVERT_TO({}, 'UTF8'))";
   dialect.castsKeys = true;
   dialect.hasGroupingSets = true;
   dialect.sumsAreWide = true;
@@ -32,6 +33,7 @@ SqlDialect OfPostgreSqlFamily(std::string name) {
   SqlDialect dialect = PostgreSql();
   dialect.name = std::move(name);
   dialect.hasPartitions = false;
+  dialect.encoding = nullptr;
   dialect.settings.clear();
   return dialect;
 }
@@ -52,9 +54,9 @@ SqlDialect ClickHouse() {
   SqlDialect dialect;
   dialect.name = "ClickHouse";
   dialect.countRows = "count()";
-  dialect.textType = "String";
-  dialect.doubleType = "Float64";
-  dialect.wholeType = "Int64";
+  dialect.textType = "Nullable(String)";
+  dialect.doubleType = "Nullable(Float64)";
+  dialect.wholeType = "Nullable(Int64)";
   dialect.byteLength = "length({})";
   return dialect;
 }

@@ -24,10 +24,12 @@ struct SqlDialect {
   const char* wholeType = "BIGINT";
   const char* decimalType = nullptr;  // exact arithmetic on whole numbers of any length; null: there is none
   const char* byteLength = "OCTET_LENGTH({})";
-  const char* binaryText = nullptr;  // a text that is compared byte by byte, {} the column; null: as it is
-  bool comparesBytes = true;         // texts are, unless a column was made otherwise
-  bool castsKeys = false;            // texts are cast before they are grouped: other types that are read as texts may
-                                     // know no equality
+  const char* encoding = nullptr;         // asks for the encoding of texts; null: it does not matter
+  const char* convertedLength = nullptr;  // instead of byteLength where that encoding is not UTF8
+  const char* binaryText = nullptr;       // a text that is compared byte by byte, {} the column; null: as it is
+  bool comparesBytes = true;              // texts are, unless a column was made otherwise
+  bool castsKeys = false;  // texts are cast before they are grouped: other types that are read as texts may
+                           // know no equality
   const char* preciseDouble = nullptr;  // text of a floating point number that reads back the same; null: the cast does
   bool hasGroupingSets = false;
   bool sumsAreWide = false;           // a sum of 64-bit whole numbers does not overflow

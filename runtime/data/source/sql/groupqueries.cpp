@@ -95,15 +95,15 @@ std::string GroupQueries::MergedTexts(const SqlPlace& place, const std::vector<s
 }
 
 std::string GroupQueries::Groups(const SqlPlace& place, std::size_t column, std::optional<std::int64_t> most) const {
-  const std::string within = Key(column) + " AS c" + WeightWithin();
-  const std::string list = fmt::format("c AS v{}, {} AS n{}", WeightGroup(), fDialect.countRows, WeightSums());
-  const std::string arms = SqlTable::OverArms(place, [&](const std::string& arm) {
-    const std::string rest = fmt::format("FROM (SELECT {} FROM {}) s GROUP BY c{}", within, arm, WeightGroup());
-    const std::string select = most ? fDialect.FirstRowsOf(list, rest, *most) : fmt::format("SELECT {} {}", list, rest);
-    return most && place.arms.size() > 1 ? "(" + select + ")" : select;
-  });
-  return fmt::format("SELECT {}, n{} FROM ({}) g", fDialect.CastToText("v", fTable.columns()[column].type),
-                     WeightAnswer(), arms);
+  // Within and without, the columns stand in the same order, and nothing bounds an arm: only then does PostgreSQL ask
+  // the servers of all arms at once.
+  const std::string arms = Summary(place, Key(column) + " AS c" + WeightWithin(),
+                                   fmt::format("c AS v, {} AS n{}{}", fDialect.countRows, WeightGroup(), WeightSums()),
+                                   " GROUP BY c" + WeightGroup());
+  const std::string list =
+      fmt::format("{}, n{}", fDialect.CastToText("v", fTable.columns()[column].type), WeightAnswer());
+  const std::string rest = fmt::format("FROM ({}) g", arms);
+  return most ? fDialect.FirstRowsOf(list, rest, *most) : fmt::format("SELECT {} {}", list, rest);
 }
 
 std::string GroupQueries::GroupingSets(const SqlPlace& place, const std::vector<std::size_t>& columns) const {
@@ -138,7 +138,7 @@ std::string GroupQueries::JointGroups(const SqlPlace& place, const std::vector<s
   return fmt::format(
       "SELECT {}, n{} FROM ({}) g", Joined(texts), WeightAnswer(),
       Summary(place, Joined(within) + WeightWithin(),
-              fmt::format("{}{}, {} AS n{}", Joined(names), WeightGroup(), fDialect.countRows, WeightSums()),
+              fmt::format("{}, {} AS n{}{}", Joined(names), fDialect.countRows, WeightGroup(), WeightSums()),
               " GROUP BY " + Joined(names) + WeightGroup()));
 }
 

@@ -31,7 +31,7 @@ std::string MayHaveMoreDecimals(const SqlDialect& dialect, const std::string& f,
   const std::string power = dialect.CastToDouble(NumberLiteral(std::pow(10.0, decimals)));
   const std::string mostExact = dialect.CastToDouble(NumberLiteral(2251799813685248.0));
   const std::string half = dialect.CastToDouble("0.5");
-  return fmt::format("{0} <> FLOOR({0}) AND (ABS({0}) * {1} >= {2} OR FLOOR(ABS({0}) * {1} + {3}) / {1} <> ABS({0}))",
+  return fmt::format("{0} <> FLOOR({0}) AND (abs({0}) * {1} >= {2} OR FLOOR(abs({0}) * {1} + {3}) / {1} <> abs({0}))",
                      f, power, mostExact, half);
 }
 
@@ -45,7 +45,8 @@ void AskFacts(SqlTable& table, const GroupQueries& queries, const ManyValuedColu
               ManyValuedFacts* facts) {
   const SqlDialect& dialect = table.dialect();
   std::string within;
-  std::string list;
+  // Nothing but extremes would be sought by sorting, and then rows would be fetched from other servers.
+  std::string list = dialect.countRows;
   for (std::size_t i = 0; i < count; ++i) {
     const ManyValuedColumn& column = columns[i];
     const char* const comma = i > 0 ? ", " : "";
@@ -55,15 +56,14 @@ void AskFacts(SqlTable& table, const GroupQueries& queries, const ManyValuedColu
                                    ? queries.Key(column.column)
                                    : dialect.CastToText(table.quoted(column.column), type);
       within += fmt::format("{}{} AS c{}", comma, text, i);
-      list +=
-          fmt::format("{}MAX({})", comma, fmt::format(fmt::runtime(dialect.byteLength), fmt::format("RTRIM(c{})", i)));
+      list += fmt::format(", MAX({})", fmt::format(fmt::runtime(dialect.byteLength), fmt::format("RTRIM(c{})", i)));
       continue;
     }
     within += fmt::format("{0}{1} AS c{2}, {3} AS f{2}", comma, table.quoted(column.column), i,
                           FiniteNumber(table, queries, column.column));
     const SqlType type = table.columns()[column.column].type;
     const std::string extreme = type == SqlType::Double ? fmt::format("f{}", i) : fmt::format("c{}", i);
-    list += fmt::format("{}{}, {}, SUM(CASE WHEN f{} <> FLOOR(f{}) THEN 1 ELSE 0 END)", comma,
+    list += fmt::format(", {}, {}, SUM(CASE WHEN f{} <> FLOOR(f{}) THEN 1 ELSE 0 END)",
                         dialect.CastToText("MIN(" + extreme + ")", type),
                         dialect.CastToText("MAX(" + extreme + ")", type), i, i);
     list += fmt::format(", SUM(CASE WHEN {} THEN 1 ELSE 0 END)",
@@ -71,7 +71,7 @@ void AskFacts(SqlTable& table, const GroupQueries& queries, const ManyValuedColu
   }
   table.Ask([&](const SqlPlace& place) { return queries.Summary(place, within, list); },
             [&](SqlRows& rows) {
-              std::size_t at = 0;
+              std::size_t at = 1;
               for (std::size_t i = 0; i < count; ++i) {
                 ManyValuedFacts& known = facts[i];
                 if (columns[i].isText) {

@@ -176,8 +176,9 @@ bool SqlGroups::PlanPiecesOfWeight(const WeightColumn& weight) {
     const std::string valid = planned.number;
     fTable->Ask(
         [&](const SqlPlace& place) {
-          return fmt::format("SELECT {} FROM ({}) g", dialect.CastToText("hi", SqlType::Double),
-                             fQueries.Summary(place, valid + " AS w", "MAX(w) AS hi"));
+          return fmt::format(
+              "SELECT {} FROM ({}) g", dialect.CastToText("hi", SqlType::Double),
+              fQueries.Summary(place, valid + " AS w", fmt::format("MAX(w) AS hi, {} AS n", dialect.countRows)));
         },
         [&](SqlRows& rows) {
           if (const auto text = rows.Text(0)) top = std::max(top, TopBit(NumberOfCell(SqlType::Double, *text)));
@@ -309,13 +310,18 @@ void SqlGroups::GroupTogether(const std::vector<std::size_t>& columns) {
 bool SqlGroups::Group(std::size_t column, std::optional<std::int64_t> most) {
   RawGroups groups(fQueries.weight().weighted());
   std::int64_t answers = 0;
-  const std::optional<std::int64_t> asked = most ? std::optional<std::int64_t>(*most + 1) : std::nullopt;
-  fTable->Ask([&](const SqlPlace& place) { return fQueries.Groups(place, column, asked); },
+  // Each arm may give every group once.
+  const auto limitOf = [&](const SqlPlace& place) {
+    return most ? std::optional<std::int64_t>((*most + 1) * static_cast<std::int64_t>(place.arms.size()))
+                : std::nullopt;
+  };
+  fTable->Ask([&](const SqlPlace& place) { return fQueries.Groups(place, column, limitOf(place)); },
               [&](SqlRows& rows) {
                 ++answers;
                 TakeRow(groups, rows, 0);
               });
-  if (most && answers > *most) return false;
+  // Of several places it is not known which one gave how many: then all together must stay below the limit of one.
+  if (most && answers >= (fTable->places() == 1 ? *limitOf(fTable->first()) : *most + 1)) return false;
   fColumns[column].groups = std::move(groups);
   CheckSum(column);
   fColumns[column].isComplete = true;

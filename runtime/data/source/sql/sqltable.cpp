@@ -38,7 +38,7 @@ SqlTable::SqlTable(const SqlTableOptions& options) : fOnQuery(options.onQuery) {
 
 void SqlTable::OpenPlace(const std::string& address, const SqlTableOptions& options) {
   SqlPlace place;
-  place.connection = OpenSqlConnection(address);
+  place.connection = options.connect ? options.connect(address) : OpenSqlConnection(address);
   SqlConnection& connection = *place.connection;
   const SqlDialect& dialect = DialectOf(connection.engine());
   for (const std::string& setting : dialect.settings) {
@@ -58,16 +58,25 @@ void SqlTable::OpenPlace(const std::string& address, const SqlTableOptions& opti
     if (!leaves.empty()) place.arms = std::move(leaves);
   }
   if (fPlaces.empty()) {
-    fDialect = &dialect;
+    fDialect = dialect;
+    LearnEncoding(place);
     fColumns = columns;
     for (const SqlColumn& column : columns) fQuoted.push_back(connection.Quoted(column.name));
   } else {
-    if (&dialect != fDialect)
+    if (dialect.name != fDialect.name)
       throw DataError(fmt::format("{}: this is {}, and {} is {}; the parts of a table must lie in engines of one kind",
-                                  connection.name(), dialect.name, fPlaces.front().connection->name(), fDialect->name));
+                                  connection.name(), dialect.name, fPlaces.front().connection->name(), fDialect.name));
     CheckSameColumns(place, columns);
   }
   fPlaces.push_back(std::move(place));
+}
+
+/// Where texts are not kept in UTF-8, their length is that of their conversion.
+void SqlTable::LearnEncoding(const SqlPlace& place) {
+  if (fDialect.encoding == nullptr) return;
+  Tell(place, fDialect.encoding);
+  const std::unique_ptr<SqlRows> rows = place.connection->Ask(fDialect.encoding);
+  if (rows->Next() && rows->Text(0) != "UTF8") fDialect.byteLength = fDialect.convertedLength;
 }
 
 void SqlTable::CheckSameColumns(const SqlPlace& place, const std::vector<SqlColumn>& columns) const {

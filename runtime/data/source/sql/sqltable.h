@@ -19,8 +19,9 @@ using QueryListener = std::function<void(const std::string& source, const std::s
 struct SqlTableOptions {
   std::vector<std::string> addresses;  // each holds a part of the rows; at least one
   std::optional<std::string> table;
-  std::optional<std::string> query;  // instead of a table
-  QueryListener onQuery;             // may be empty
+  std::optional<std::string> query;                                                   // instead of a table
+  QueryListener onQuery;                                                              // may be empty
+  std::function<std::unique_ptr<SqlConnection>(const std::string& address)> connect;  // empty: OpenSqlConnection
 };
 
 /// Where some of the rows are.
@@ -40,7 +41,7 @@ class SqlTable {
   const std::string& tableName() const { return fTableName; }
   /// The address of the first place, without credentials.
   const std::string& sourceName() const { return fPlaces.front().connection->name(); }
-  const SqlDialect& dialect() const { return *fDialect; }
+  const SqlDialect& dialect() const { return fDialect; }
   const std::vector<SqlColumn>& columns() const { return fColumns; }
   /// Column `column` as a part of a query.
   const std::string& quoted(std::size_t column) const { return fQuoted[column]; }
@@ -61,13 +62,14 @@ class SqlTable {
 
  private:
   void OpenPlace(const std::string& address, const SqlTableOptions& options);
+  void LearnEncoding(const SqlPlace& place);
   void CheckSameColumns(const SqlPlace& place, const std::vector<SqlColumn>& columns) const;
   void AskPlace(SqlPlace& place, const std::string& query, const std::function<void(SqlRows&)>& onRow);
   void Tell(const SqlPlace& place, const std::string& query);
 
   QueryListener fOnQuery;
   std::vector<SqlPlace> fPlaces;
-  const SqlDialect* fDialect = nullptr;
+  SqlDialect fDialect;
   std::string fTableName;
   std::string fName;
   std::vector<SqlColumn> fColumns;

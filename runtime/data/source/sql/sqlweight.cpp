@@ -64,7 +64,7 @@ std::string ValidWeightExpression(const SqlDialect& dialect, const std::string& 
 }
 
 std::string ValidCondition(const SqlDialect& dialect, const std::string& number, const MissingRule& missing) {
-  return fmt::format("ABS({0}) <= {1}{2}", number, Literal(dialect, std::numeric_limits<double>::max()),
+  return fmt::format("abs({0}) <= {1}{2}", number, Literal(dialect, std::numeric_limits<double>::max()),
                      NotMissing(dialect, number, missing));
 }
 
