@@ -16,6 +16,7 @@
 #include "runtime/data/source/odbc/odbcsession.h"
 #include "runtime/data/source/odbc/odbctables.h"
 #include "runtime/data/source/sql/columnnames.h"
+#include "runtime/data/source/sql/tablename.h"
 #include "runtime/data/typing/quotedcell.h"
 
 namespace runtime::data {
@@ -58,7 +59,11 @@ class OdbcConnection : public SqlConnection {
     const std::optional<OdbcTable> found = FindOdbcTable(fSession, table);
     if (!found) return FindUnlisted(table);
     std::string quoted = QuotedOf(fSession, *found);
-    Describe(quoted);  // fails when it may not be read
+    Keep();
+    if (const auto problems = fSession.ProblemsOf(NoRowsOf(quoted))) {
+      BackTo();
+      fSession.Fail(*problems, OdbcStep::Asking);
+    }
     fTables[quoted] = *found;
     return quoted;
   }
@@ -83,15 +88,17 @@ class OdbcConnection : public SqlConnection {
     CheckColumnNames(columns, fName);
     const auto table = fTables.find(relation);
     if (table == fTables.end()) return columns;
-    const std::vector<std::string> comments = CommentsOf(fSession, table->second);
+    const std::vector<std::string> comments = Comments(table->second);
     for (std::size_t i = 0; i < columns.size() && comments.size() == columns.size(); ++i)
       columns[i].description = comments[i];
     return columns;
   }
 
  private:
+  static std::string NoRowsOf(const std::string& relation) { return "SELECT * FROM " + relation + " WHERE 1 = 0"; }
+
   std::vector<SqlColumn> Describe(const std::string& relation) const {
-    const std::unique_ptr<OdbcHandle> statement = fSession.Execute("SELECT * FROM " + relation + " WHERE 1 = 0");
+    const std::unique_ptr<OdbcHandle> statement = fSession.Execute(NoRowsOf(relation));
     std::vector<SqlColumn> columns;
     for (const OdbcColumn& described : DescribeColumns(fSession, *statement))
       columns.push_back(SqlColumnOf(fSession, *statement, described, columns.size()));
@@ -100,17 +107,34 @@ class OdbcConnection : public SqlConnection {
 
   /// A table that the driver does not list may be there nevertheless.
   std::string FindUnlisted(const std::string& table) {
-    const std::string quoted = Quoted(table);
-    Keep();
-    try {
-      Describe(quoted);
-      return quoted;
-    } catch (const DataError&) {
+    std::vector<std::string> names = {Quoted(table)};
+    if (const std::optional<std::vector<NamePart>> parts = SplitTableName(table)) {
+      names.emplace_back();
+      for (const NamePart& part : *parts)
+        names.back() +=
+            (names.back().empty() ? "" : ".") + Quoted(part.isQuoted ? part.name : FoldedName(fSession, part.name));
+    }
+    for (const std::string& name : names) {
+      Keep();
+      const std::optional<std::vector<OdbcDiagnosis>> problems = fSession.ProblemsOf(NoRowsOf(name));
+      if (!problems) return name;
       BackTo();
+      if (IsAboutPermission(problems->front())) fSession.Fail(*problems, OdbcStep::Asking);
     }
     const std::vector<OdbcTable> tables = OdbcTables(fSession);
     throw DataError(fmt::format("{}: there is no table {}; {}", fName, QuotedCell(table),
                                 tables.empty() ? "this user sees none" : "the database holds " + ListOf(tables)));
+  }
+
+  /// The comments are no reason to fail.
+  std::vector<std::string> Comments(const OdbcTable& table) {
+    Keep();
+    try {
+      return fSession.isPostgres() ? PostgresCommentsOf(fSession, table) : CommentsOf(fSession, table);
+    } catch (const DataError&) {
+      BackTo();
+      return {};
+    }
   }
 
   OdbcSession fSession;

@@ -31,6 +31,8 @@ std::string WithoutDetour(const std::u16string& wide) {
 std::string PlainWords(std::string_view words) {
   while (!words.empty() && words.front() == '[' && words.find(']') != std::string_view::npos)
     words.remove_prefix(words.find(']') + 1);
+  for (const std::string_view severity : {"ERROR: ", "FATAL: "})
+    if (words.substr(0, severity.size()) == severity) words.remove_prefix(severity.size());
   // psqlODBC's second line.
   const std::size_t tail = words.find("\nError while executing the query");
   if (tail != std::string_view::npos) words = words.substr(0, tail);
@@ -42,6 +44,10 @@ std::string PlainWords(std::string_view words) {
     else if (!line.empty() && line.back() != ' ')
       line += ' ';
   }
+  // After where the server is.
+  constexpr std::string_view kFatal = ": FATAL: ";
+  const std::size_t fatal = line.find(kFatal);
+  if (fatal != std::string::npos) line.replace(fatal, kFatal.size(), ": ");
   while (!line.empty() && (line.back() == ' ' || line.back() == ';' || line.back() == '.')) line.pop_back();
   return line;
 }

@@ -99,8 +99,10 @@ bool OdbcSession::Try(const Credentials& credentials) {
   Secret<char> text;
   text.text() = fSource.Written();
   if (text.text().size() > Secret<char>::kLongest / 4) throw DataError(name() + ": the connection string is too long");
+  // psqlODBC takes braces around a user for a part of the name.
+  const bool needsBraces = credentials.user.find_first_of(";{}") != std::string::npos;
   if (!credentials.user.empty() && fSource.Find("UID") == nullptr)
-    AppendConnectionKey(text.text(), "UID", credentials.user, true);
+    AppendConnectionKey(text.text(), "UID", credentials.user, needsBraces);
   if (credentials.hasPassword) AppendConnectionKey(text.text(), "PWD", credentials.password.text(), true);
   Secret<char16_t> wide;
   AppendWide(text.text(), wide.text());
@@ -137,20 +139,30 @@ std::unique_ptr<OdbcHandle> OdbcSession::NewStatement() const {
   return statement;
 }
 
-std::unique_ptr<OdbcHandle> OdbcSession::Execute(const std::string& query) const {
-  std::unique_ptr<OdbcHandle> statement = NewStatement();
+bool OdbcSession::RunOn(const OdbcHandle& statement, const std::string& query) const {
   SQLRETURN result = SQL_ERROR;
   if (fForm == TextForm::Narrow) {
     std::string text = query;
     result =
-        SQLExecDirect(statement->get(), reinterpret_cast<SQLCHAR*>(text.data()), static_cast<SQLINTEGER>(text.size()));
+        SQLExecDirect(statement.get(), reinterpret_cast<SQLCHAR*>(text.data()), static_cast<SQLINTEGER>(text.size()));
   } else {
     std::u16string text = WideText(query);
-    result = SQLExecDirectW(statement->get(), reinterpret_cast<SQLWCHAR*>(text.data()),
-                            static_cast<SQLINTEGER>(text.size()));
+    result =
+        SQLExecDirectW(statement.get(), reinterpret_cast<SQLWCHAR*>(text.data()), static_cast<SQLINTEGER>(text.size()));
   }
-  if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA) Fail(*statement, OdbcStep::Asking);
+  return SQL_SUCCEEDED(result) || result == SQL_NO_DATA;
+}
+
+std::unique_ptr<OdbcHandle> OdbcSession::Execute(const std::string& query) const {
+  std::unique_ptr<OdbcHandle> statement = NewStatement();
+  if (!RunOn(*statement, query)) Fail(*statement, OdbcStep::Asking);
   return statement;
+}
+
+std::optional<std::vector<OdbcDiagnosis>> OdbcSession::ProblemsOf(const std::string& query) const {
+  const std::unique_ptr<OdbcHandle> statement = NewStatement();
+  if (RunOn(*statement, query)) return std::nullopt;
+  return statement->Diagnoses(fForm);
 }
 
 std::unique_ptr<OdbcHandle> OdbcSession::ExecuteWhole(const std::string& query) const {
@@ -167,8 +179,10 @@ std::unique_ptr<OdbcHandle> OdbcSession::ExecuteWhole(const std::string& query) 
   return statement;
 }
 
-void OdbcSession::Fail(const OdbcHandle& handle, OdbcStep step) const {
-  throw DataError(DescribeFault(fSource, step, handle.Diagnoses(fForm), fEnvironment));
+void OdbcSession::Fail(const OdbcHandle& handle, OdbcStep step) const { Fail(handle.Diagnoses(fForm), step); }
+
+void OdbcSession::Fail(const std::vector<OdbcDiagnosis>& diagnoses, OdbcStep step) const {
+  throw DataError(DescribeFault(fSource, step, diagnoses, fEnvironment));
 }
 
 void OdbcSession::FindForm() {
@@ -222,14 +236,10 @@ bool OdbcSession::Recovers(CellFetching fetching) {
 
 void OdbcSession::BeginReading() {
   if (fIsPostgres) {
+    // Not every engine of the family has each of them.
     for (const char* const setting : {"SET SESSION CHARACTERISTICS AS TRANSACTION READ ONLY", "SET TIME ZONE 'UTC'",
-                                      "SET extra_float_digits = 3", "SET cursor_tuple_fraction = 1"}) {
-      try {
-        Execute(setting);
-      } catch (const DataError&) {
-        // Not every engine of the family has each of them.
-      }
-    }
+                                      "SET extra_float_digits = 3", "SET cursor_tuple_fraction = 1"})
+      ProblemsOf(setting);
   }
   SQLSetConnectAttr(fConnection.get(), SQL_ATTR_ACCESS_MODE, Number(SQL_MODE_READ_ONLY), SQL_IS_UINTEGER);
   if (InfoCode(SQL_TXN_CAPABLE) == SQL_TC_NONE) return;

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <sql.h>
 #include <sqlext.h>
@@ -47,14 +49,19 @@ class OdbcSession {
 
   /// A statement that has run a query.
   std::unique_ptr<OdbcHandle> Execute(const std::string& query) const;
+  /// What the engine has against a query; nothing when it ran.
+  std::optional<std::vector<OdbcDiagnosis>> ProblemsOf(const std::string& query) const;
   /// The same, for an answer that memory holds whole: PostgreSQL plans parallel workers only where there is no cursor.
   std::unique_ptr<OdbcHandle> ExecuteWhole(const std::string& query) const;
   /// A statement that nothing was done with.
   std::unique_ptr<OdbcHandle> NewStatement() const;
 
   [[noreturn]] void Fail(const OdbcHandle& handle, OdbcStep step) const;
+  [[noreturn]] void Fail(const std::vector<OdbcDiagnosis>& diagnoses, OdbcStep step) const;
 
  private:
+  /// Whether a query ran on a fresh statement.
+  bool RunOn(const OdbcHandle& statement, const std::string& query) const;
   void Connect();
   bool Try(const Credentials& credentials);
   void AddPostgresOptions();

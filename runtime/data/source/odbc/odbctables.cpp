@@ -76,7 +76,10 @@ std::vector<OdbcTable> ListTables(const OdbcSession& session, const std::string*
   constexpr std::size_t kSchema = 1;
   constexpr std::size_t kName = 2;
   constexpr std::size_t kType = 3;
-  OdbcRows rows = List(session, SQLTables, SQLTablesW, {nullptr, nullptr, pattern, nullptr});
+  // Without a schema psqlODBC looks only where the user's own search path leads.
+  const std::string anySchema = "%";
+  OdbcRows rows =
+      List(session, SQLTables, SQLTablesW, {nullptr, session.isPostgres() ? &anySchema : nullptr, pattern, nullptr});
   std::vector<OdbcTable> tables;
   while (rows.Next()) {
     OdbcTable table;
@@ -103,22 +106,10 @@ std::string Lower(const std::string& text) {
   return lower;
 }
 
-/// What the engine takes an unquoted name for.
-std::string Folded(const OdbcSession& session, const std::string& name) {
-  switch (session.InfoCode(SQL_IDENTIFIER_CASE)) {
-    case SQL_IC_UPPER:
-      return Upper(name);
-    case SQL_IC_LOWER:
-      return Lower(name);
-    default:
-      return name;
-  }
-}
-
 bool IsSame(const OdbcSession& session, const std::string& actual, const NamePart& wanted) {
   if (actual == wanted.name) return true;
   if (wanted.isQuoted) return false;
-  if (actual == Folded(session, wanted.name)) return true;
+  if (actual == FoldedName(session, wanted.name)) return true;
   return session.InfoCode(SQL_IDENTIFIER_CASE) == SQL_IC_MIXED && Lower(actual) == Lower(wanted.name);
 }
 
@@ -129,7 +120,7 @@ std::vector<OdbcTable> Matching(const OdbcSession& session, const std::vector<Na
   const NamePart& name = parts.back();
   std::vector<std::string> patterns = {PatternOf(name.name)};
   if (!name.isQuoted)
-    for (const std::string& other : {Folded(session, name.name), Lower(name.name), Upper(name.name)})
+    for (const std::string& other : {FoldedName(session, name.name), Lower(name.name), Upper(name.name)})
       if (std::find(patterns.begin(), patterns.end(), PatternOf(other)) == patterns.end())
         patterns.push_back(PatternOf(other));
   for (const std::string& pattern : patterns) {
@@ -186,6 +177,17 @@ std::string QuotedOf(const OdbcSession& session, const OdbcTable& table) {
   return above.empty() ? name : QuotedOf(session, above) + "." + name;
 }
 
+std::string FoldedName(const OdbcSession& session, const std::string& name) {
+  switch (session.InfoCode(SQL_IDENTIFIER_CASE)) {
+    case SQL_IC_UPPER:
+      return Upper(name);
+    case SQL_IC_LOWER:
+      return Lower(name);
+    default:
+      return name;
+  }
+}
+
 std::optional<OdbcTable> FindOdbcTable(const OdbcSession& session, const std::string& name) {
   // A name may hold whatever its parts are cut and quoted with.
   std::vector<OdbcTable> found = Matching(session, {{name, true}});
@@ -212,17 +214,30 @@ std::vector<std::string> CommentsOf(const OdbcSession& session, const OdbcTable&
   constexpr std::size_t kSchema = 1;
   constexpr std::size_t kName = 2;
   constexpr std::size_t kRemarks = 11;
+  std::vector<std::string> comments;
   const std::string schema = PatternOf(table.schema);
   const std::string name = PatternOf(table.name);
   OdbcRows rows = List(
       session, SQLColumns, SQLColumnsW,
       {table.catalog.empty() ? nullptr : &table.catalog, table.schema.empty() ? nullptr : &schema, &name, nullptr});
-  std::vector<std::string> comments;
   while (rows.Next()) {
     const bool isOfTable =
         rows.Text(kSchema).value_or("") == table.schema && rows.Text(kName).value_or("") == table.name;
     if (isOfTable) comments.emplace_back(rows.Text(kRemarks).value_or(""));
   }
+  return comments;
+}
+
+std::vector<std::string> PostgresCommentsOf(const OdbcSession& session, const OdbcTable& table) {
+  std::string name;
+  for (const char byte : QuotedOf(session, table)) name += byte == '\'' ? "''" : std::string(1, byte);
+  const std::string query = fmt::format(
+      "SELECT pg_catalog.col_description(attrelid, attnum) FROM pg_catalog.pg_attribute WHERE attrelid = "
+      "'{}'::regclass AND attnum > 0 AND NOT attisdropped ORDER BY attnum",
+      name);
+  std::vector<std::string> comments;
+  OdbcRows rows(session, session.Execute(query), OdbcRowsOptions{});
+  while (rows.Next()) comments.emplace_back(rows.Text(0).value_or(""));
   return comments;
 }
 

@@ -23,6 +23,9 @@ std::string QuotedOf(const OdbcSession& session, std::string_view identifier);
 /// A table as a part of a query.
 std::string QuotedOf(const OdbcSession& session, const OdbcTable& table);
 
+/// What the engine takes an unquoted name for.
+std::string FoldedName(const OdbcSession& session, const std::string& name);
+
 /// The table of that name, with or without a schema before it, quoted or not; unquoted names mean what they say, then
 /// what the engine makes of them. Nothing when the driver lists none. Throws DataError for one that stands in several
 /// schemas.
@@ -34,5 +37,7 @@ std::string ListOf(const std::vector<OdbcTable>& tables);
 
 /// The comments on the columns of a table, in their order; empty when the driver tells none.
 std::vector<std::string> CommentsOf(const OdbcSession& session, const OdbcTable& table);
+/// The same by PostgreSQL's own tables; psqlODBC tells none.
+std::vector<std::string> PostgresCommentsOf(const OdbcSession& session, const OdbcTable& table);
 
 }  // namespace runtime::data
