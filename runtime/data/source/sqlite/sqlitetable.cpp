@@ -2,10 +2,10 @@
 
 #include <cstddef>
 #include <limits>
-#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "runtime/data/source/rowpiece.h"
 #include "runtime/data/source/sqlite/sqlitefile.h"
 #include "runtime/data/store/rowgroups.h"
 
@@ -24,56 +24,40 @@ class SqliteStream : public TableStream {
  public:
   /// `columns` says of each column of the query whether it is wanted as texts.
   SqliteStream(const SqliteFile& file, const std::string& sql, std::vector<bool> isText)
-      : fQuery(file, sql), fIsText(std::move(isText)), fNumbers(fIsText.size()), fTexts(fIsText.size()) {}
+      : fQuery(file, sql), fPiece(std::move(isText)) {}
 
   std::size_t Next() override {
-    for (std::size_t column = 0; column < fIsText.size(); ++column) {
-      fNumbers[column].clear();
-      fTexts[column] = {};
-    }
+    fPiece.Clear();
     std::size_t rows = 0;
     while (rows < kRowsAtOnce && !fEnded) {
       fEnded = !fQuery.Step();
       if (fEnded) break;
-      for (std::size_t column = 0; column < fIsText.size(); ++column) Keep(column);
+      for (std::size_t column = 0; column < fPiece.columns(); ++column) Keep(column);
       ++rows;
     }
     return rows;
   }
 
   void Take(std::size_t column, std::size_t first, std::size_t count, ColumnSink& sink) override {
-    if (!fIsText[column]) return sink.Numbers(fNumbers[column].data() + first, count);
-    const KeptTexts& texts = fTexts[column];
-    fViews.clear();
-    for (std::size_t row = first; row < first + count; ++row) {
-      const std::size_t begin = row > 0 ? texts.ends[row - 1] : 0;
-      fViews.emplace_back(texts.bytes.data() + begin, texts.ends[row] - begin);
-    }
-    sink.Texts(fViews.data(), count);
+    fPiece.Take(column, first, count, sink);
   }
 
  private:
-  struct KeptTexts {
-    std::string bytes;
-    std::vector<std::size_t> ends;
-  };
-
   void Keep(std::size_t column) {
     const int place = static_cast<int>(column);
-    if (fIsText[column]) {
-      fQuery.AppendText(place, fTexts[column].bytes);
-      fTexts[column].ends.push_back(fTexts[column].bytes.size());
+    if (!fPiece.isText(column)) {
+      fPiece.AddNumber(column, fQuery.Kind(place) == SqliteKind::Null ? std::numeric_limits<double>::quiet_NaN()
+                                                                      : fQuery.Real(place));
       return;
     }
-    fNumbers[column].push_back(fQuery.Kind(place) == SqliteKind::Null ? std::numeric_limits<double>::quiet_NaN()
-                                                                      : fQuery.Real(place));
+    fText.clear();
+    fQuery.AppendText(place, fText);
+    fPiece.AddText(column, fText);
   }
 
   SqliteQuery fQuery;
-  std::vector<bool> fIsText;
-  std::vector<std::vector<double>> fNumbers;
-  std::vector<KeptTexts> fTexts;
-  std::vector<std::string_view> fViews;
+  RowPiece fPiece;
+  std::string fText;
   bool fEnded = false;
 };
 

@@ -1,15 +1,14 @@
 #include "runtime/data/source/sqlite/sqlitetable.h"
 
-#include <cmath>
 #include <fstream>
 #include <string>
 #include <vector>
 
-#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "runtime/data/open.h"
+#include "tests/unit/data/source/collectedcolumns.h"
 #include "tests/unit/data/source/sqlitefolder.h"
 
 namespace runtime::data {
@@ -30,34 +29,6 @@ class SqliteFiles : public SqliteFolder {
     return "";
   }
 };
-
-struct Collected : ColumnSink {
-  void Bytes(const std::int8_t*, std::size_t) override { FAIL(); }
-  void Integers(const std::int32_t*, std::size_t) override { FAIL(); }
-  void Numbers(const double* values, std::size_t count) override {
-    for (std::size_t i = 0; i < count; ++i) cells.push_back(fmt::format("{}", values[i]));
-  }
-  void Texts(const std::string_view* texts, std::size_t count) override {
-    for (std::size_t i = 0; i < count; ++i) cells.emplace_back(texts[i]);
-  }
-  std::vector<std::string> cells;
-};
-
-std::vector<Collected> ReadAll(TableSource& source, bool asText = false) {
-  std::vector<Collected> columns(source.columns().size());
-  std::vector<StreamColumn> wanted;
-  for (std::size_t column = 0; column < columns.size(); ++column) wanted.push_back({column, asText});
-  const auto stream = source.Open(wanted);
-  while (const std::size_t rows = stream->Next()) {
-    const std::size_t seam = rows / 3;
-    for (std::size_t column = 0; column < columns.size(); ++column) {
-      stream->Take(column, 0, seam, columns[column]);
-      stream->Take(column, seam, rows - seam, columns[column]);
-    }
-  }
-  for (const Collected& column : columns) EXPECT_EQ(static_cast<std::int64_t>(column.cells.size()), source.rowCount());
-  return columns;
-}
 
 TEST_F(SqliteFiles, valuesDecideTheTypeOfTheirColumn) {
   const auto source = OpenSqliteTable(
