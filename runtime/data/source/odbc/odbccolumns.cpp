@@ -100,7 +100,7 @@ std::vector<OdbcColumn> DescribeColumns(const OdbcSession& session, const OdbcHa
                                                    kLongestName, &length, &column.type, &size, &decimals, &nullable);
     if (!SQL_SUCCEEDED(result)) session.Fail(statement, OdbcStep::Asking);
     if (isNarrow)
-      column.name = narrow.c_str();
+      column.name = BeforeZero(narrow);
     else
       AppendUtf8(wide.data(), std::char_traits<char16_t>::length(wide.data()), column.name);
     column.size = static_cast<std::size_t>(size);

@@ -65,8 +65,7 @@ bool ReadDiagnosis(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT record, TextF
     if (!SQL_SUCCEEDED(SQLGetDiagRec(kind, handle, record, state, &native, reinterpret_cast<SQLCHAR*>(words.data()),
                                      kLongest, &length)))
       return false;
-    words.resize(std::min(words.find('\0'), words.size()));
-    diagnosis = {reinterpret_cast<const char*>(state), native, PlainWords(words)};
+    diagnosis = {reinterpret_cast<const char*>(state), native, PlainWords(BeforeZero(words))};
   } else {
     SQLWCHAR state[SQL_SQLSTATE_SIZE + 1] = {};
     std::u16string words(kLongest, u'\0');
@@ -85,7 +84,7 @@ bool ReadDiagnosis(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT record, TextF
 OdbcHandle::OdbcHandle() : fKind(SQL_HANDLE_ENV) {
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &fHandle)))
     throw DataError("odbc: ODBC's manager cannot be started");
-  SQLSetEnvAttr(fHandle, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), SQL_IS_INTEGER);
+  SQLSetEnvAttr(fHandle, SQL_ATTR_ODBC_VERSION, OdbcNumber(SQL_OV_ODBC3), SQL_IS_INTEGER);
 }
 
 OdbcHandle::OdbcHandle(SQLSMALLINT kind, const OdbcHandle& parent) : fKind(kind) {
@@ -107,6 +106,11 @@ std::vector<OdbcDiagnosis> OdbcHandle::Diagnoses(TextForm form) const {
   return diagnoses;
 }
 
+// The interface is C's: some attributes are numbers, others places.
+SQLPOINTER OdbcNumber(std::uintptr_t number) {
+  return reinterpret_cast<SQLPOINTER>(number);  // NOLINT(performance-no-int-to-ptr)
+}
+
 std::vector<OdbcEntry> InstalledDrivers(const OdbcHandle& environment) {
   constexpr SQLSMALLINT kLongest = 4096;
   std::vector<OdbcEntry> drivers;
@@ -119,7 +123,7 @@ std::vector<OdbcEntry> InstalledDrivers(const OdbcHandle& environment) {
                                   &nameLength, reinterpret_cast<SQLCHAR*>(facts.data()), kLongest, &factsLength))) {
     direction = SQL_FETCH_NEXT;
     OdbcEntry& driver = drivers.emplace_back();
-    driver.name = name.c_str();
+    driver.name = BeforeZero(name);
     // Each fact ends with a zero byte, the last with two.
     for (const char* fact = facts.c_str(); *fact != '\0'; fact += driver.facts.back().size() + 1)
       driver.facts.emplace_back(fact);
@@ -139,7 +143,7 @@ std::vector<OdbcEntry> KnownSources(const OdbcHandle& environment) {
       SQL_SUCCEEDED(SQLDataSources(environment.get(), direction, reinterpret_cast<SQLCHAR*>(name.data()), kLongest,
                                    &nameLength, reinterpret_cast<SQLCHAR*>(driver.data()), kLongest, &driverLength))) {
     direction = SQL_FETCH_NEXT;
-    sources.push_back({name.c_str(), {driver.c_str()}});
+    sources.push_back({BeforeZero(name), {BeforeZero(driver)}});
   }
   return sources;
 }

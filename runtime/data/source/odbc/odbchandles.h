@@ -41,6 +41,12 @@ class OdbcHandle {
   SQLHANDLE fHandle = SQL_NULL_HANDLE;
 };
 
+/// What stands in a buffer before its first zero byte.
+inline std::string BeforeZero(const std::string& buffer) { return buffer.substr(0, buffer.find('\0')); }
+
+/// A whole number where ODBC wants a pointer.
+SQLPOINTER OdbcNumber(std::uintptr_t number);
+
 /// An installed driver or a data source, and what ODBC knows of it: of a driver "Key=value" texts, of a data source the
 /// name of its driver.
 struct OdbcEntry {

@@ -97,8 +97,8 @@ OdbcRows::Form OdbcRows::FormOf(SQLSMALLINT type) const {
 
 void OdbcRows::Bind() {
   const SQLHANDLE statement = fStatement->get();
-  if (fBlockRows > 1 && !SQL_SUCCEEDED(SQLSetStmtAttr(statement, SQL_ATTR_ROW_ARRAY_SIZE,
-                                                      reinterpret_cast<SQLPOINTER>(fBlockRows), SQL_IS_UINTEGER)))
+  if (fBlockRows > 1 &&
+      !SQL_SUCCEEDED(SQLSetStmtAttr(statement, SQL_ATTR_ROW_ARRAY_SIZE, OdbcNumber(fBlockRows), SQL_IS_UINTEGER)))
     fBlockRows = 1;
   fStates.resize(fBlockRows);
   if (fBlockRows > 1) {

@@ -24,14 +24,12 @@ constexpr SQLINTEGER kPostgresUsesCursors = 65539;  // psqlODBC's attribute of a
 // Every way in which engines select a constant.
 constexpr std::array<std::string_view, 3> kTailsOfConstants = {"", " FROM DUAL", " FROM SYSIBM.SYSDUMMY1"};
 
-SQLPOINTER Number(std::uintptr_t number) { return reinterpret_cast<SQLPOINTER>(number); }
-
 }  // namespace
 
 OdbcSession::OdbcSession(std::string_view connectionString)
     : fSource(connectionString), fConnection(SQL_HANDLE_DBC, fEnvironment) {
   constexpr std::uintptr_t kLoginSeconds = 15;
-  SQLSetConnectAttr(fConnection.get(), SQL_ATTR_LOGIN_TIMEOUT, Number(kLoginSeconds), SQL_IS_UINTEGER);
+  SQLSetConnectAttr(fConnection.get(), SQL_ATTR_LOGIN_TIMEOUT, OdbcNumber(kLoginSeconds), SQL_IS_UINTEGER);
   AddPostgresOptions();
   Connect();
   try {
@@ -135,7 +133,7 @@ SQLUSMALLINT OdbcSession::InfoCode(SQLUSMALLINT what) const {
 std::unique_ptr<OdbcHandle> OdbcSession::NewStatement() const {
   auto statement = std::make_unique<OdbcHandle>(SQL_HANDLE_STMT, fConnection);
   // What looks like an escape of ODBC's is a part of a name. Not every driver knows the attribute, or the escapes.
-  SQLSetStmtAttr(statement->get(), SQL_ATTR_NOSCAN, Number(SQL_NOSCAN_ON), SQL_IS_UINTEGER);
+  SQLSetStmtAttr(statement->get(), SQL_ATTR_NOSCAN, OdbcNumber(SQL_NOSCAN_ON), SQL_IS_UINTEGER);
   return statement;
 }
 
@@ -167,15 +165,15 @@ std::optional<std::vector<OdbcDiagnosis>> OdbcSession::ProblemsOf(const std::str
 
 std::unique_ptr<OdbcHandle> OdbcSession::ExecuteWhole(const std::string& query) const {
   if (!fOwnCursors) return Execute(query);
-  SQLSetConnectAttr(fConnection.get(), kPostgresUsesCursors, Number(0), SQL_IS_UINTEGER);
+  SQLSetConnectAttr(fConnection.get(), kPostgresUsesCursors, OdbcNumber(0), SQL_IS_UINTEGER);
   std::unique_ptr<OdbcHandle> statement;
   try {
     statement = Execute(query);
   } catch (const DataError&) {
-    SQLSetConnectAttr(fConnection.get(), kPostgresUsesCursors, Number(1), SQL_IS_UINTEGER);
+    SQLSetConnectAttr(fConnection.get(), kPostgresUsesCursors, OdbcNumber(1), SQL_IS_UINTEGER);
     throw;
   }
-  SQLSetConnectAttr(fConnection.get(), kPostgresUsesCursors, Number(1), SQL_IS_UINTEGER);
+  SQLSetConnectAttr(fConnection.get(), kPostgresUsesCursors, OdbcNumber(1), SQL_IS_UINTEGER);
   return statement;
 }
 
@@ -241,15 +239,15 @@ void OdbcSession::BeginReading() {
                                       "SET extra_float_digits = 3", "SET cursor_tuple_fraction = 1"})
       ProblemsOf(setting);
   }
-  SQLSetConnectAttr(fConnection.get(), SQL_ATTR_ACCESS_MODE, Number(SQL_MODE_READ_ONLY), SQL_IS_UINTEGER);
+  SQLSetConnectAttr(fConnection.get(), SQL_ATTR_ACCESS_MODE, OdbcNumber(SQL_MODE_READ_ONLY), SQL_IS_UINTEGER);
   if (InfoCode(SQL_TXN_CAPABLE) == SQL_TC_NONE) return;
   const SQLUINTEGER levels = InfoBits(SQL_TXN_ISOLATION_OPTION);
   for (const SQLUINTEGER level : {SQLUINTEGER{SQL_TXN_REPEATABLE_READ}, SQLUINTEGER{SQL_TXN_SERIALIZABLE}}) {
     if ((levels & level) == 0) continue;
-    SQLSetConnectAttr(fConnection.get(), SQL_ATTR_TXN_ISOLATION, Number(level), SQL_IS_UINTEGER);
+    SQLSetConnectAttr(fConnection.get(), SQL_ATTR_TXN_ISOLATION, OdbcNumber(level), SQL_IS_UINTEGER);
     break;
   }
-  SQLSetConnectAttr(fConnection.get(), SQL_ATTR_AUTOCOMMIT, Number(SQL_AUTOCOMMIT_OFF), SQL_IS_UINTEGER);
+  SQLSetConnectAttr(fConnection.get(), SQL_ATTR_AUTOCOMMIT, OdbcNumber(SQL_AUTOCOMMIT_OFF), SQL_IS_UINTEGER);
 }
 
 }  // namespace runtime::data

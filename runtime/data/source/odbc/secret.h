@@ -2,10 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
-
-#include <string.h>
 
 namespace runtime::data {
 
