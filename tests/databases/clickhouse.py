@@ -109,8 +109,9 @@ class ClickHouseServer:
 
     def ask(self, statement, user="default"):
         """What the server answers, as text: rows a line each, columns apart by tabs. Rows to be inserted stand behind the
-        statement, as the format that it names has them."""
-        request = urllib.request.Request(f"{self.url}?user={user}", data=statement.encode())
+        statement, as the format that it names has them; then both are bytes."""
+        data = statement if isinstance(statement, bytes) else statement.encode()
+        request = urllib.request.Request(f"{self.url}?user={user}", data=data)
         try:
             with urllib.request.urlopen(request, timeout=SECONDS_A_QUERY) as answer:
                 return answer.read().decode()

@@ -7,27 +7,36 @@ Kinds of source:
     shards      a table of a PostgreSQL server, partitioned by hash; the partitions are foreign tables on three workers. The
                 key is the row (its first columns), so the bounds of the partitions hold for every row
     inherited   an empty table with three foreign children on the workers, rows dealt out in turn: equal rows on all workers
-    workers     the tables of those workers, named one behind the other"""
+    workers     the tables of those workers, named one behind the other
+    clickhouse  a table of a ClickHouse server, for the program that reaches it over HTTP
+
+With `+rows` behind it the program is told to fetch the rows and count them itself."""
 
 import os
 import re
 import shutil
 import sqlite3
+import struct
 import sys
 import tempfile
 
 sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, "golden"))
 
 import datafiles  # noqa: E402
+from clickhouse import ClickHouseServer  # noqa: E402
 from postgres import COORDINATOR, PostgresServers, require_driver  # noqa: E402
 
 SQLITE, POSTGRES, SHARDS, INHERITED, WORKERS = ALL = ("sqlite", "postgres", "shards", "inherited", "workers")
+CLICKHOUSE = "clickhouse"
+ROWS = "+rows"
 WORKER_COUNT = 3
 MOST_KEY_COLUMNS = 32  # of a partitioned table of PostgreSQL
 PLAIN_SCHEMA, INHERITED_SCHEMA = "plain", "inherited"
 
 TEXT = "text"
 SQLITE_TYPES = {"integer": "INTEGER", "number": "REAL", "boolean": "INTEGER"}  # others are kept as texts
+# Others are kept as texts, for dates begin in 1970 there.
+CLICKHOUSE_TYPES = {"integer": "Nullable(Int64)", "number": "Nullable(Float64)", "boolean": "Nullable(UInt8)"}
 POSTGRES_TYPES = {"integer": "bigint", "number": "double precision", "boolean": "boolean", "date": "date", "datetime": "timestamp",
                   "time": "time", TEXT: "text"}
 
@@ -77,15 +86,23 @@ class Databases:
 
     def __init__(self, kinds):
         self.kinds = list(kinds)
+        self.places = {kind.removesuffix(ROWS) for kind in kinds}
         self.folder = None
         self.server = None
+        self.clickhouse = None
 
     def __enter__(self):
         self.folder = os.path.realpath(tempfile.mkdtemp(prefix="tables."))
         try:
-            if set(self.kinds) - {SQLITE}:
+            unknown = self.places - {*ALL, CLICKHOUSE}
+            if unknown:
+                raise ValueError(f"there is no kind of source {', '.join(sorted(unknown))}")
+            if CLICKHOUSE in self.places:
+                server = ClickHouseServer()
+                self.clickhouse = server.__enter__()
+            if self.places - {SQLITE, CLICKHOUSE}:
                 require_driver()
-                self.server = PostgresServers(0 if set(self.kinds) <= {SQLITE, POSTGRES} else WORKER_COUNT)
+                self.server = PostgresServers(WORKER_COUNT if self.places & {SHARDS, INHERITED, WORKERS} else 0)
                 self.server.__enter__()
                 self.server.coordinator.run("".join(f"CREATE SCHEMA {schema};" for schema in [PLAIN_SCHEMA, INHERITED_SCHEMA, *all_leaf_schemas()]))
                 for worker in self.server.workers:
@@ -96,8 +113,9 @@ class Databases:
         return self
 
     def __exit__(self, *_):
-        if self.server:
-            self.server.__exit__()
+        for server in (self.server, self.clickhouse):
+            if server:
+                server.__exit__()
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def environment(self):
@@ -106,9 +124,11 @@ class Databases:
     def load(self, tables, kinds=None):
         """Makes the tables in the databases of these kinds; absent: of all."""
         tables = list(tables)
-        kinds = set(kinds or self.kinds)
+        kinds = {kind.removesuffix(ROWS) for kind in kinds or self.kinds}
         if SQLITE in kinds:
             load_sqlite(self.sqlite_file(), tables)
+        if CLICKHOUSE in kinds:
+            load_clickhouse(self.clickhouse, tables)
         if POSTGRES in kinds:
             self.server.coordinator.run("".join(table_script(PLAIN_SCHEMA, table) for table in tables))
         if SHARDS in kinds:
@@ -125,20 +145,25 @@ class Databases:
 
     def addresses(self, kind):
         """Of the databases that hold the rows."""
+        kind = kind.removesuffix(ROWS)
         if kind == SQLITE:
             return ["sqlite:" + self.sqlite_file()]
+        if kind == CLICKHOUSE:
+            return [self.clickhouse.url]
         if kind == WORKERS:
             return [f"odbc:DSN=codebook_{worker.name}" for worker in self.server.workers]
         return [f"odbc:DSN={COORDINATOR}"]
 
     def table_name(self, kind, name):
         """How the program is told of the table."""
-        schemas = {SQLITE: None, POSTGRES: PLAIN_SCHEMA, SHARDS: "public", INHERITED: INHERITED_SCHEMA, WORKERS: INHERITED_SCHEMA}
-        return f'{schemas[kind]}."{name}"' if schemas[kind] else name
+        schemas = {POSTGRES: PLAIN_SCHEMA, SHARDS: "public", INHERITED: INHERITED_SCHEMA, WORKERS: INHERITED_SCHEMA}
+        schema = schemas.get(kind.removesuffix(ROWS))
+        return f'{schema}."{name}"' if schema else name
 
     def source(self, kind, name):
         """The arguments that name a table to the program."""
-        return [*self.addresses(kind), "--table", self.table_name(kind, name)]
+        fetched = ["--fetch-rows"] if kind.endswith(ROWS) else []
+        return [*self.addresses(kind), *fetched, "--table", self.table_name(kind, name)]
 
 
 def quoted(name):
@@ -149,10 +174,7 @@ def literal(text):
     return "'" + text.replace("'", "''") + "'"
 
 
-# SQLite.
-
-
-def sqlite_value(text, type_):
+def value_of(text, type_):
     if text == "" and type_ != TEXT:
         return None
     if type_ == "integer":
@@ -164,6 +186,9 @@ def sqlite_value(text, type_):
     return text
 
 
+# SQLite.
+
+
 def load_sqlite(path, tables):
     with sqlite3.connect(path) as database:
         database.execute("PRAGMA synchronous = OFF")
@@ -172,8 +197,45 @@ def load_sqlite(path, tables):
             database.execute(f"CREATE TABLE {quoted(table.name)} ({columns})")
             places = ", ".join("?" * len(table.columns))
             database.executemany(f"INSERT INTO {quoted(table.name)} VALUES ({places})",
-                                 ([sqlite_value(text, type_) for text, type_ in zip(row, table.types)] for row in table.rows))
+                                 ([value_of(text, type_) for text, type_ in zip(row, table.types)] for row in table.rows))
     database.close()
+
+
+# ClickHouse.
+
+
+def load_clickhouse(server, tables):
+    for table in tables:
+        name = backquoted(table.name)
+        columns = ", ".join(f"{backquoted(column)} {CLICKHOUSE_TYPES.get(type_, 'String')}" for column, type_ in zip(table.columns, table.types))
+        server.ask(f"CREATE TABLE {name} ({columns}) ENGINE = MergeTree ORDER BY tuple()")
+        server.ask(b"INSERT INTO " + name.encode() + b" FORMAT RowBinary\n" + b"".join(binary_cells(table)))
+
+
+def binary_cells(table):
+    """Its reader of texts rounds numbers as it pleases, so they are handed over as they are."""
+    for row in table.rows:
+        for text, type_ in zip(row, table.types):
+            if type_ not in CLICKHOUSE_TYPES:
+                cell = text.encode()
+                yield length_of(cell) + cell
+            elif text == "":
+                yield b"\1"
+            else:
+                yield b"\0" + struct.pack({"integer": "<q", "number": "<d", "boolean": "<B"}[type_], value_of(text, type_))
+
+
+def length_of(cell):
+    """Seven bits a byte, the lowest first."""
+    rest, found = len(cell), []
+    while rest >= 128:
+        found.append(rest & 127 | 128)
+        rest >>= 7
+    return bytes([*found, rest])
+
+
+def backquoted(name):
+    return "`" + name.replace("\\", "\\\\").replace("`", "\\`") + "`"
 
 
 # PostgreSQL.
@@ -191,8 +253,13 @@ def definition(schema, table):
 
 
 def copy_block(schema, table, rows):
-    lines = ["\t".join("\\N" if text == "" and type_ != TEXT else escaped(text) for text, type_ in zip(row, table.types)) for row in rows]
-    return f"COPY {schema}.{quoted(table.name)} FROM STDIN;\n" + "".join(line + "\n" for line in lines) + "\\.\n"
+    return f"COPY {schema}.{quoted(table.name)} FROM STDIN;\n" + "".join(lines_of(table, rows)) + "\\.\n"
+
+
+def lines_of(table, rows):
+    """The rows as COPY reads them; an empty cell is no value unless the column is of texts."""
+    for row in rows:
+        yield "\t".join("\\N" if text == "" and type_ != TEXT else escaped(text) for text, type_ in zip(row, table.types)) + "\n"
 
 
 def escaped(text):

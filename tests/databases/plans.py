@@ -30,10 +30,11 @@ def faults_of(plan, workers, own=()):
             found.append(f"a {node['Node Type']} of {node.get('Relation Name', 'something')} reads rows here")
     for node in foreign:
         remote = node.get("Remote SQL", "")
+        said = remote if len(remote) < 300 else remote[:300] + "..."
         if not node.get("Relations", "").startswith("Aggregate on") or not any(word in remote for word in AGGREGATES):
-            found.append(f"a worker is asked for rows: {remote}")
+            found.append(f"a worker is asked for rows: {said}")
         if not node.get("Async Capable"):
-            found.append(f"a worker is asked when the one before it is done: {remote}")
+            found.append(f"a worker is asked when the one before it is done: {said}")
     if len(foreign) != workers:
         found.append(f"{len(foreign)} foreign scans for {workers} workers")
     if workers > 1 and not any(node["Node Type"] == "Append" for node in nodes(plan)):

@@ -70,7 +70,7 @@ class Runner:
                 if case.dictionary() is not None:
                     with open(os.path.join(folder, DICTIONARY), "w", encoding="utf-8") as file:
                         file.write(case.dictionary())
-                for threads, portions in self.settings:
+                for threads, portions in self.sources.settings(self.settings, kind, case):
                     name = f"{kind}, {threads} threads, chunks of {portions[0] or 'all'} rows"
                     yield name, *self.outcome(case, folder, place, threads, portions)
 
