@@ -1,7 +1,6 @@
 #include "runtime/data/source/odbc/odbccolumns.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 #include <sqlucode.h>
@@ -14,16 +13,11 @@ namespace {
 
 constexpr SQLSMALLINT kLongestName = 4096;
 
-std::string TypeName(const OdbcHandle& statement, std::size_t column) {
-  std::array<char16_t, 128> name{};
-  SQLSMALLINT bytes = 0;
-  if (!SQL_SUCCEEDED(SQLColAttributeW(statement.get(), static_cast<SQLUSMALLINT>(column + 1), SQL_DESC_TYPE_NAME,
-                                      name.data(), static_cast<SQLSMALLINT>(sizeof name - sizeof(char16_t)), &bytes,
-                                      nullptr)))
-    return "";
-  std::string text;
-  AppendUtf8(name.data(), std::char_traits<char16_t>::length(name.data()), text);
-  return LowerAscii(text);
+std::string TypeName(const OdbcSession& session, const OdbcHandle& statement, std::size_t column) {
+  return LowerAscii(ReadText(session.form(), [&](SQLPOINTER buffer, SQLSMALLINT bytes, SQLSMALLINT* length) {
+    return (session.form() == TextForm::Narrow ? SQLColAttribute : SQLColAttributeW)(
+        statement.get(), static_cast<SQLUSMALLINT>(column + 1), SQL_DESC_TYPE_NAME, buffer, bytes, length, nullptr);
+  }));
 }
 
 SqlType TypeOf(SQLSMALLINT type) {
@@ -116,7 +110,7 @@ SqlColumn SqlColumnOf(const OdbcSession& session, const OdbcHandle& statement, c
   known.type = TypeOf(described.type);
   known.decimals = known.type == SqlType::Decimal ? described.decimals : 0;
   if (!session.isPostgres()) return known;
-  const std::string type = TypeName(statement, column);
+  const std::string type = TypeName(session, statement, column);
   if (type == "bool") known.type = SqlType::Boolean;
   if (type == "money") known.type = SqlType::Text;  // with its currency
   // What psqlODBC says of a numeric that was declared without digits.

@@ -1,6 +1,7 @@
 #include "runtime/data/source/odbc/odbchandles.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -104,6 +105,19 @@ std::vector<OdbcDiagnosis> OdbcHandle::Diagnoses(TextForm form) const {
   std::stable_sort(diagnoses.begin(), diagnoses.end(),
                    [](const OdbcDiagnosis& a, const OdbcDiagnosis& b) { return RankOf(a) < RankOf(b); });
   return diagnoses;
+}
+
+std::string ReadText(TextForm form,
+                     const std::function<SQLRETURN(SQLPOINTER buffer, SQLSMALLINT bytes, SQLSMALLINT* length)>& read) {
+  std::array<char16_t, 512> buffer{};
+  SQLSMALLINT length = 0;
+  // The last unit stays a zero whatever is written.
+  if (!SQL_SUCCEEDED(read(buffer.data(), static_cast<SQLSMALLINT>(sizeof buffer - sizeof(char16_t)), &length)))
+    return "";
+  if (form == TextForm::Narrow) return reinterpret_cast<const char*>(buffer.data());
+  std::string text;
+  AppendUtf8(buffer.data(), std::char_traits<char16_t>::length(buffer.data()), text);
+  return text;
 }
 
 // The interface is C's: some attributes are numbers, others places.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,11 @@ class OdbcHandle {
 
 /// What stands in a buffer before its first zero byte.
 inline std::string BeforeZero(const std::string& buffer) { return buffer.substr(0, buffer.find('\0')); }
+
+/// A short text that a function of ODBC's writes into a buffer of so many bytes; empty when it fails. In the driver's
+/// own form: the manager's way from one to the other reads beyond its buffers (2.3.11).
+std::string ReadText(TextForm form,
+                     const std::function<SQLRETURN(SQLPOINTER buffer, SQLSMALLINT bytes, SQLSMALLINT* length)>& read);
 
 /// A whole number where ODBC wants a pointer.
 SQLPOINTER OdbcNumber(std::uintptr_t number);

@@ -33,9 +33,9 @@ OdbcSession::OdbcSession(std::string_view connectionString)
   AddPostgresOptions();
   Connect();
   try {
+    FindForm();
     fIsPostgres = LowerAscii(Info(SQL_DRIVER_NAME)).rfind(kPostgresDrivers, 0) == 0;
     fHasTextsOfNumbers = fIsPostgres || Info(SQL_DBMS_NAME) == "SQLite";
-    FindForm();
     FindFetching();
     BeginReading();
   } catch (...) {
@@ -110,14 +110,9 @@ bool OdbcSession::Try(const Credentials& credentials) {
 }
 
 std::string OdbcSession::Info(SQLUSMALLINT what) const {
-  std::array<char16_t, 512> buffer{};
-  SQLSMALLINT bytes = 0;
-  if (!SQL_SUCCEEDED(SQLGetInfoW(fConnection.get(), what, buffer.data(),
-                                 static_cast<SQLSMALLINT>(sizeof buffer - sizeof(char16_t)), &bytes)))
-    return "";
-  std::string text;
-  AppendUtf8(buffer.data(), std::char_traits<char16_t>::length(buffer.data()), text);
-  return text;
+  return ReadText(fForm, [&](SQLPOINTER buffer, SQLSMALLINT bytes, SQLSMALLINT* length) {
+    return (fForm == TextForm::Narrow ? SQLGetInfo : SQLGetInfoW)(fConnection.get(), what, buffer, bytes, length);
+  });
 }
 
 SQLUINTEGER OdbcSession::InfoBits(SQLUSMALLINT what) const {
