@@ -275,6 +275,61 @@ class Strange(DatabaseTest):
         tables = self.report(*self.make("x float8", "INSERT INTO strange VALUES ('NaN'), ('Infinity'), ('-Infinity'), (1.5), (NULL), (1.5);"), command="CODEBOOK x[N] /STATISTICS COUNT.")
         self.assertEqual(counts_of(tables[0]), {"1.5": 2, "System": 4})
 
+    def test_wholeNumbersThatNoDoubleHoldsStayApart(self):
+        rows = "INSERT INTO strange VALUES (9007199254740992), (9007199254740993), (9007199254740993), (-9223372036854775808);"
+        tables = self.report(*self.make("a bigint", rows))
+        self.assertEqual(counts_of(tables[0]), {"-9223372036854775808": 1, "9007199254740992": 1, "9007199254740993": 2})
+
+    def test_decimalsThatNoDoubleHoldsAreRead(self):
+        tables = self.report(*self.make("a numeric", "INSERT INTO strange VALUES (0.1), (1e-400), (123456789012345678901234567890.5), ('NaN');"),
+                             command="CODEBOOK a[N] /STATISTICS COUNT.")
+        self.assertEqual(sum(counts_of(tables[0]).values()), 4)
+
+    def test_collationThatMergesLettersKeepsValuesApart(self):
+        self.server.run("CREATE COLLATION merging (provider = icu, locale = 'und-u-ks-level1', deterministic = false);")
+        self.addCleanup(self.server.run, "DROP COLLATION merging;")
+        tables = self.report(*self.make("t text COLLATE merging", "INSERT INTO strange VALUES ('a'), ('A'), ('ä'), ('a'), (NULL);"))
+        self.assertEqual(counts_of(tables[0]), {"A": 1, "a": 2, "ä": 1} | ({"": 1} if "" in counts_of(tables[0]) else {}))
+
+    def test_blanksOfFixedTextsMeanNothing(self):
+        tables = self.report(*self.make("c char(6), v varchar(6)", "INSERT INTO strange VALUES ('ab', 'ab  '), ('ab   ', 'ab'), (' b', ' b');"))
+        self.assertEqual([counts_of(table) for table in tables], [{" b": 1, "ab": 2}] * 2)
+
+    def test_commentsOfColumnsAreLabels(self):
+        source = self.make("a int, b int", "INSERT INTO strange VALUES (1, 2); COMMENT ON COLUMN strange.a IS 'What was \"a\"?';")
+        tables = self.report(*source)
+        self.assertEqual([table["dimensions"][0]["items"][0]["items"][0]["cells"][0]["text"] for table in tables], ['What was "a"?', "<none>"])
+
+    def test_viewsAndQueriesAreReadLikeTables(self):
+        self.make("a int, b text", "INSERT INTO strange SELECT g % 7, 'x' || g % 3 FROM generate_series(1, 100) g;")
+        self.server.run("CREATE VIEW seen AS SELECT * FROM strange; CREATE MATERIALIZED VIEW kept AS SELECT * FROM strange;")
+        self.addCleanup(self.server.run, "DROP VIEW seen; DROP MATERIALIZED VIEW kept;")
+        address = f"odbc:DSN={COORDINATOR}"
+        reports = [self.report(address, "--table", "strange"), self.report(address, "--table", "seen"), self.report(address, "--table", "kept"),
+                   self.report(address, "--query", "SELECT * FROM strange -- all of it\n;"),
+                   self.report(address, "--query", "WITH q AS (SELECT b, a FROM strange) SELECT a, b FROM q")]
+        for other in reports[1:]:
+            self.assertEqual(other, reports[0])
+
+    def test_whatOthersWriteMeanwhileIsNotSeen(self):
+        source = self.make("a int, b int, c int, d int", "INSERT INTO strange SELECT g % 2, g % 3, g % 5, g % 7 FROM generate_series(1, 50000) g;")
+        writing = threading.Event()
+        writing.set()
+
+        def write():
+            while writing.is_set():
+                self.server.run("INSERT INTO strange SELECT 1, 1, 1, 1 FROM generate_series(1, 100);")
+
+        writer = threading.Thread(target=write)
+        writer.start()
+        try:
+            for _ in range(3):
+                tables = self.report(*source)
+                self.assertEqual(len({sum(counts_of(table).values()) for table in tables}), 1)
+        finally:
+            writing.clear()
+            writer.join()
+
     def test_commandLineOfTheProcessShowsNoPassword(self):
         self.server.run("CREATE VIEW slow AS SELECT 1 AS a FROM pg_sleep(3);")
         self.addCleanup(self.server.run, "DROP VIEW slow;")
