@@ -35,10 +35,11 @@ def uniform(numbers, count, make):
 class LargeTable:
     """`table` with the cells, `dictionary` for it, `command`."""
 
-    def __init__(self, seed, number):
+    def __init__(self, seed, number, times=1):
+        """`times` as many rows."""
         self.numbers = numbers = random.Random(f"large:{seed}:{number}")
         self.name = f"large {number}"
-        self.row_count = numbers.choice([4997, 4998, 4999, 5001, 7000, 12000])
+        self.row_count = numbers.choice([4997, 4998, 4999, 5001, 7000, 12000]) * times
         self.fields, self.columns, self.types = [], [], []
         makers = [self.few_integers, self.many_integers, self.huge_integers, self.prices, self.doubles, self.wild_doubles, self.few_texts,
                   self.many_texts, self.dates, self.moments, self.times, self.booleans, self.constant, self.sparse, self.edge, self.late]

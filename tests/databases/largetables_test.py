@@ -1,5 +1,6 @@
 """Reports of tables beyond what is fetched of them are those of the same data in a CSV file, byte for byte.
-CODEBOOK_LARGE_TABLES says how many tables, CODEBOOK_LARGE_SEED from which seed, CODEBOOK_LARGE_KINDS in which databases."""
+CODEBOOK_LARGE_TABLES says how many tables, CODEBOOK_LARGE_TIMES how many times as large ones, CODEBOOK_LARGE_SEED from which
+seed, CODEBOOK_LARGE_KINDS in which databases."""
 
 import concurrent.futures
 import json
@@ -18,6 +19,7 @@ sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pard
 from program import ProgramTest  # noqa: E402
 
 COUNT = int(os.environ.get("CODEBOOK_LARGE_TABLES", "8"))
+TIMES = int(os.environ.get("CODEBOOK_LARGE_TIMES", "1"))
 SEED = os.environ.get("CODEBOOK_LARGE_SEED", "1")
 # Partitions are counted like inherited tables, and take much longer to fill.
 KINDS = os.environ.get("CODEBOOK_LARGE_KINDS", f"{loading.SQLITE},{loading.POSTGRES},{loading.INHERITED},{loading.WORKERS}").split(",")
@@ -25,7 +27,7 @@ KINDS = os.environ.get("CODEBOOK_LARGE_KINDS", f"{loading.SQLITE},{loading.POSTG
 
 class LargeTables(ProgramTest):
     def test_reportsAreThoseOfTheFile(self):
-        cases = [LargeTable(SEED, number) for number in range(COUNT)]
+        cases = [LargeTable(SEED, number, TIMES) for number in range(COUNT)]
         tables = [case.table() for case in cases]
         with loading.Databases(KINDS) as databases:
             databases.load(tables)
