@@ -106,6 +106,8 @@ bool SameFile(const std::string& a, const std::string& b) {
 void Check(const Options& options) {
   if (options.commandText && options.commandFile)
     throw UsageError("Give the command with -c or with -f, not with both.");
+  if (options.data.table && options.data.query)
+    throw UsageError("Name the data with --table or with --query, not with both.");
   if (options.data.path == "-" && options.commandFile == "-")
     throw UsageError("Data and command cannot both come from standard input. Give the command with -c or in a file.");
   if (!options.outputFile) return;
@@ -213,8 +215,9 @@ Options ReadOptions(int argc, const char* const* argv) {
   cli.add_option("--table", table, "the table of a database, or of a SQLite file that holds several")
       ->type_name("NAME");
   std::string query;
-  cli.add_option("--query", query, "of a database, the query whose rows are described, instead of a table")
-      ->type_name("SELECT");
+  const CLI::Option* queryOption =
+      cli.add_option("--query", query, "of a database, the query whose rows are described, instead of a table")
+          ->type_name("SELECT");
   bool fetchRows = false;
   cli.add_flag("--fetch-rows", fetchRows, "fetch the rows of a database and count here, instead of letting it count");
   cli.add_flag("--show-queries", options.showQueries, "tell what is sent to a database on standard error");
@@ -285,7 +288,7 @@ Options ReadOptions(int argc, const char* const* argv) {
   };
   options.data.furtherPaths.assign(dataPaths.begin() + 1, dataPaths.end());
   options.data.table = given(table);
-  options.data.query = given(query);
+  if (queryOption->count() > 0) options.data.query = query;
   options.data.dictionary = given(dictionary);
   options.data.resource = given(resource);
   options.data.schemas = given(schemas);

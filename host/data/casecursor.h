@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -57,7 +58,11 @@ struct CountingRequest {
   Kind kind = Kind::Categories;
   std::vector<int> variables;  // dictionary indices; of a set in set order
 
-  bool operator==(const CountingRequest& other) const { return kind == other.kind && variables == other.variables; }
+  /// Of one numeric variable's categories: only these values must be told apart; of the others it matters whether they
+  /// are missing, no more. Absent: all values.
+  std::optional<std::vector<double>> listed = std::nullopt;
+
+  bool operator==(const CountingRequest&) const = default;
 };
 
 /// Sums over the valid cases of a scale variable that were formed where the cases are. Each list's exact sum is meant,

@@ -59,7 +59,7 @@ class Session::Binding {
       if (session.fOptions.onPassBegins) session.fOptions.onPassBegins();
       if (cursor == nullptr || !session.fOptions.onProgress) return;
       fProgress.push_back(
-          std::make_unique<PassProgress>(*cursor, session.fDataset->caseCount(), session.fOptions.onProgress));
+          std::make_unique<PassProgress>(*cursor, session.fDataset->rowCount(), session.fOptions.onProgress));
     };
     fOutput.onTableOpened = [this, &session, &messages](const std::string& title) {
       messages.CommandGoesOn();

@@ -24,6 +24,8 @@ class Dataset {
   virtual std::unique_ptr<CaseCursor> NewCursor() const = 0;
   /// Number of cases, unweighted; negative when it is not known.
   virtual std::int64_t caseCount() const = 0;
+  /// Number of rows of a cursor; negative when it is not known.
+  virtual std::int64_t rowCount() const { return caseCount(); }
 
  private:
   Dictionary fDictionary;

@@ -41,7 +41,11 @@ void CheckThatDataIsThere(const std::string& path) {
     throw DataError(fmt::format("{}: this is a directory; name a data file or a datapackage.json in it", path));
   if (type != fs::file_type::not_found) return;
   if (path.find("://") != std::string::npos)
-    throw DataError(fmt::format("{}: connections to databases are not read yet; give a file", path));
+    // What stands behind the scheme may hold a password.
+    throw DataError(
+        fmt::format("{}…: databases are reached through ODBC: name a data source as 'odbc:DSN=NAME', or all of it as "
+                    "'odbc:Driver={{PostgreSQL Unicode}};Server=...;Database=...', or a SQLite file as sqlite:FILE",
+                    path.substr(0, path.find("://") + 3)));
   throw DataError(fmt::format("{}: there is no such file", path));
 }
 

@@ -17,7 +17,8 @@
 #include "runtime/data/dictionary/writing/describe.h"
 #include "runtime/data/inputfiles.h"
 #include "runtime/data/opensql.h"
-#include "runtime/data/source/sql/sqlconnection.h"
+#include "runtime/data/source/sql/rowssource.h"
+#include "runtime/data/source/sql/sqltable.h"
 #include "runtime/data/source/tablesource.h"
 #include "runtime/data/store/columnardataset.h"
 #include "runtime/data/typing/quotedcell.h"
@@ -71,6 +72,20 @@ Input FindInput(const OpenOptions& options, std::vector<Note>& notes) {
   return input;
 }
 
+/// A table of a database has no file beside which a dictionary could lie.
+Input FindInput(const SqlTable& table, const OpenOptions& options, std::vector<Note>& notes) {
+  Input input;
+  input.dataPaths = {table.name()};
+  if (options.dictionary) input.descriptor = ReadDictionaryOfTable(table, options, notes);
+  return input;
+}
+
+std::unique_ptr<TableSource> RowsOf(SqlTable& table, const OpenOptions& options) {
+  std::vector<SqlRelation> relations;
+  for (const SqlPlace& place : table.places()) relations.push_back({place.connection.get(), place.relation});
+  return OpenSqlRows(std::move(relations), table.columns(), options.onQuery);
+}
+
 std::shared_ptr<const ReadingFacts> FactsOfReading(const TableDescriptor* descriptor,
                                                    const std::vector<DescribedColumn>& columns) {
   auto facts = std::make_shared<ReadingFacts>();
@@ -86,14 +101,25 @@ std::shared_ptr<const ReadingFacts> FactsOfReading(const TableDescriptor* descri
 }  // namespace
 
 OpenedDataset OpenDataset(const OpenOptions& options) {
-  if (IsSqlAddress(options.path) && options.countInDatabase) return OpenInDatabase(options);
+  std::shared_ptr<SqlTable> database;
+  if (IsSqlAddress(options.path)) {
+    database = OpenSqlTable(options);
+    if (options.countInDatabase && CanCount(*database)) return OpenInDatabase(options, database);
+  }
+  if (options.query && !database)
+    throw DataError(
+        fmt::format("{}: this is no database that could be asked a query; leave out --query", options.path));
   OpenedDataset opened;
   std::vector<Note>& notes = opened.notes;
-  Input input = FindInput(options, notes);
+  if (database && options.countInDatabase)
+    notes.push_back({false, fmt::format("{}: the engine cannot group this table or query; its rows are fetched and "
+                                        "counted here",
+                                        database->name())});
+  Input input = database ? FindInput(*database, options, notes) : FindInput(options, notes);
   const TableDescriptor* descriptor = input.descriptor ? Prepared(*input.descriptor, options) : nullptr;
   const std::string& dataPath = input.dataPaths.front();
 
-  const bool fileHasTypes = !(descriptor != nullptr && descriptor->inlineData) && IsTableFile(dataPath);
+  const bool fileHasTypes = database || (!(descriptor != nullptr && descriptor->inlineData) && IsTableFile(dataPath));
   std::vector<const FieldDescriptor*> fields;
   const PlanColumns plan = [&](const std::vector<std::string>& headers, std::vector<Note>& notesOfPlan) {
     fields.assign(headers.size(), nullptr);
@@ -116,8 +142,9 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
     inputs.push_back({dataPath, std::move(data.csv)});
     table = ReadCsvInputs(std::move(inputs), data.dialect, plan, reading, notes);
   } else if (fileHasTypes) {
-    const auto source = OpenTableFiles(input.dataPaths, options.table, options.pool ? options.pool->threads() : 1);
-    if (descriptor == nullptr && options.dictionaryBeside) {
+    const int threads = options.pool ? options.pool->threads() : 1;
+    const auto source = database ? RowsOf(*database, options) : OpenTableFiles(input.dataPaths, options.table, threads);
+    if (descriptor == nullptr && options.dictionaryBeside && !database) {
       input.descriptor = ReadEmbeddedDictionary(dataPath, source->metadata(), options, notes);
       if (input.descriptor) descriptor = Prepared(*input.descriptor, options);
     }
@@ -132,7 +159,8 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
 
   if (options.explainTypes) opened.types = TypeDecisions(table, fields, fileHasTypes);
   std::vector<DescribedColumn> described;
-  for (std::size_t i = 0; i < table.columns.size(); ++i) described.push_back({&table.columns[i].facts, fields[i]});
+  for (std::size_t i = 0; i < table.columns.size(); ++i)
+    described.push_back({&table.columns[i].facts, fields[i], database ? database->columns()[i].description : ""});
   std::optional<std::string> fileOfData;
   if (dataPath != kStandardInput) fileOfData = dataPath;
   if (options.forChecking) {
@@ -140,10 +168,11 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
     if (input.descriptor) input.descriptor->sets = SetsOfKnownMembers(*opened.reading);
   }
   Dictionary dictionary = AssembleDictionary(descriptor, described, fileOfData, notes);
+  if (database) dictionary.fileSpec = FileSpecOfTable(*database);
   if (options.weight) OverrideWeight(dictionary, *options.weight);
   if (options.describe) {
     TableDescriptor description = Describe(dictionary, described, descriptor);
-    if (description.dataPaths.empty() && fileOfData) description.dataPaths = {*fileOfData};
+    if (description.dataPaths.empty() && fileOfData && !database) description.dataPaths = {*fileOfData};
     opened.description = std::make_shared<const TableDescriptor>(std::move(description));
   }
 

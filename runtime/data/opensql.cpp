@@ -9,6 +9,7 @@
 #include "runtime/data/columnplans.h"
 #include "runtime/data/dictionary/assemble.h"
 #include "runtime/data/dictionary/readdictionary.h"
+#include "runtime/data/source/sql/groupqueries.h"
 #include "runtime/data/source/sql/sqlcell.h"
 #include "runtime/data/source/sql/sqlgroups.h"
 #include "runtime/data/store/groupeddataset.h"
@@ -21,14 +22,19 @@ namespace runtime::data {
 
 namespace {
 
+std::vector<std::string> HeadersOf(const SqlTable& table) {
+  std::vector<std::string> headers;
+  for (const SqlColumn& column : table.columns()) headers.push_back(column.name);
+  return headers;
+}
+
 /// A table with its dictionary, while it is put together.
 class DatabaseReading {
  public:
-  explicit DatabaseReading(const OpenOptions& options) : fOptions(options), fTable(OpenSqlTable(options)) {
-    for (const SqlColumn& column : fTable->columns()) fHeaders.push_back(column.name);
+  DatabaseReading(const OpenOptions& options, std::shared_ptr<SqlTable> table)
+      : fOptions(options), fTable(std::move(table)), fHeaders(HeadersOf(*fTable)) {
     if (options.dictionary) {
-      fDescriptor =
-          ReadDictionary({*options.dictionary, options.resource, options.path, options.schemas, fHeaders}, fNotes);
+      fDescriptor = ReadDictionaryOfTable(*fTable, options, fNotes);
       Prepared(*fDescriptor, options);
     }
     fFields.assign(fHeaders.size(), nullptr);
@@ -150,6 +156,28 @@ std::shared_ptr<SqlTable> OpenSqlTable(const OpenOptions& options) {
 
 std::string FileSpecOfTable(const SqlTable& table) { return table.sourceName() + '\\' + table.tableName(); }
 
-OpenedDataset OpenInDatabase(const OpenOptions& options) { return DatabaseReading(options).Open(); }
+TableDescriptor ReadDictionaryOfTable(const SqlTable& table, const OpenOptions& options, std::vector<Note>& notes) {
+  return ReadDictionary({*options.dictionary, options.resource, options.path, options.schemas, HeadersOf(table)},
+                        notes);
+}
+
+bool CanCount(SqlTable& table) {
+  SqlConnection& connection = *table.first().connection;
+  SqlPlace noRows;
+  noRows.relation = fmt::format("(SELECT * FROM {} WHERE 1 = 0) e", table.first().relation);
+  noRows.arms = {noRows.relation};
+  connection.Keep();
+  try {
+    table.AskFirst(GroupQueries(table).Groups(noRows, 0, std::nullopt), [](SqlRows&) {});
+    return true;
+  } catch (const DataError&) {
+    connection.BackTo();
+    return false;
+  }
+}
+
+OpenedDataset OpenInDatabase(const OpenOptions& options, std::shared_ptr<SqlTable> table) {
+  return DatabaseReading(options, std::move(table)).Open();
+}
 
 }  // namespace runtime::data

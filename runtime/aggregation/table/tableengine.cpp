@@ -59,6 +59,18 @@ class CountedDimension final : public Base {
   TableEngine& fEngine;
 };
 
+/// What the categories of a dimension are counted from.
+CountingRequest RequestOf(const AggregationVariable& dimension, const MAVO_DataSource& source) {
+  CountingRequest request{CountingRequest::Kind::Categories, EachOnce(dimension.variables())};
+  const bool isVariable = dimension.kind() == AggregationVariable::Kind::Variable;
+  if (!isVariable || dimension.categories().empty()) return request;
+  if (source.GetVariable(dimension.variables().front()).GetType() > 0) return request;
+  request.listed.emplace();
+  for (const std::unique_ptr<ParsedCategory>& category : dimension.categories())
+    request.listed->push_back(category->value()->number);
+  return request;
+}
+
 }  // namespace
 
 TableEngine::TableEngine(AggregationTable& table, MAVO_InputCaseIterator& iterator)
@@ -94,7 +106,7 @@ TableDimension* TableEngine::PutDimension() {
 void TableEngine::CreateTableDimension() {
   if (fDimension == nullptr || fTableDimension != nullptr) return;
   fCounter = MakeDimensionCounter(*fDimension, fSource);
-  fDimensionGroups = fWork->GroupsFor({CountingRequest::Kind::Categories, EachOnce(fDimension->variables())});
+  fDimensionGroups = fWork->GroupsFor(RequestOf(*fDimension, fSource));
   switch (fDimension->kind()) {
     case AggregationVariable::Kind::Variable:
       fTableDimension.reset(PutDimension<TableDimension>());

@@ -48,6 +48,7 @@ class GroupedDataset : public Dataset {
 
   std::unique_ptr<CaseCursor> NewCursor() const override;
   std::int64_t caseCount() const override { return fCases; }
+  std::int64_t rowCount() const override { return -1; }  // of groups not counted yet
 
  private:
   std::shared_ptr<GroupSource> fSource;

@@ -13,6 +13,7 @@ SqlDialect PostgreSql() {
   dialect.name = "PostgreSQL";
   dialect.textType = "text";
   dialect.decimalType = "numeric";
+  dialect.edgesBelow = "WIDTH_BUCKET({0}, CAST('{{{1}}}' AS double precision[]))";
   dialect.binaryText = "({} COLLATE \"C\")";
   dialect.encoding = "SHOW server_encoding";
   dialect.convertedLength = "OCTET_LENGTH(CONVERT_TO({}, 'UTF8'))";
@@ -21,20 +22,28 @@ SqlDialect PostgreSql() {
   dialect.sumsAreWide = true;
   dialect.hasPartitions = true;
   // The whole answer is wanted, not its first rows soon: without the first setting, the plan of a cursor is made for a
-  // tenth of the rows. The others fix how values are written.
-  dialect.settings = {"SET LOCAL cursor_tuple_fraction = 1", "SET LOCAL extra_float_digits = 1",
-                      "SET LOCAL DateStyle = ISO",           "SET LOCAL TimeZone = 'UTC'",
-                      "SET LOCAL IntervalStyle = iso_8601",  "SET LOCAL bytea_output = hex"};
+  // tenth of the rows. Compiling statements with hundreds of expressions takes longer than running them. The others fix
+  // how values are written.
+  dialect.settings = {"SET LOCAL cursor_tuple_fraction = 1", "SET LOCAL jit = off",
+                      "SET LOCAL extra_float_digits = 1",    "SET LOCAL DateStyle = ISO",
+                      "SET LOCAL TimeZone = 'UTC'",          "SET LOCAL IntervalStyle = iso_8601",
+                      "SET LOCAL bytea_output = hex"};
   return dialect;
 }
 
 /// Those that speak PostgreSQL's protocol and language, but know neither its partitions nor its settings.
-SqlDialect OfPostgreSqlFamily(std::string name) {
+/// `hasLongDecimals`: with exact arithmetic on decimals of any length.
+SqlDialect OfPostgreSqlFamily(std::string name, bool hasLongDecimals) {
   SqlDialect dialect = PostgreSql();
   dialect.name = std::move(name);
   dialect.hasPartitions = false;
   dialect.encoding = nullptr;
   dialect.settings.clear();
+  if (!hasLongDecimals) {
+    dialect.decimalType = nullptr;
+    dialect.edgesBelow = nullptr;
+    dialect.sumsAreWide = false;
+  }
   return dialect;
 }
 
@@ -58,6 +67,7 @@ SqlDialect ClickHouse() {
   dialect.doubleType = "Nullable(Float64)";
   dialect.wholeType = "Nullable(Int64)";
   dialect.byteLength = "length({})";
+  dialect.withoutBlanks = "trimRight({})";
   return dialect;
 }
 
@@ -152,11 +162,11 @@ const std::vector<KnownEngine>& KnownEngines() {
       {"bigquery", BigQuery()},
       {"mysql", MySql("MySQL")},
       {"mariadb", MySql("MariaDB")},
-      {"redshift", OfPostgreSqlFamily("Redshift")},
-      {"amazon redshift", OfPostgreSqlFamily("Redshift")},
-      {"cockroachdb", OfPostgreSqlFamily("CockroachDB")},
-      {"greenplum", OfPostgreSqlFamily("Greenplum")},
-      {"yugabytedb", OfPostgreSqlFamily("YugabyteDB")},
+      {"redshift", OfPostgreSqlFamily("Redshift", false)},
+      {"amazon redshift", OfPostgreSqlFamily("Redshift", false)},
+      {"cockroachdb", OfPostgreSqlFamily("CockroachDB", false)},
+      {"greenplum", OfPostgreSqlFamily("Greenplum", true)},
+      {"yugabytedb", OfPostgreSqlFamily("YugabyteDB", true)},
   };
   return engines;
 }

@@ -24,13 +24,17 @@ struct SqlDialect {
   const char* wholeType = "BIGINT";
   const char* decimalType = nullptr;  // exact arithmetic on whole numbers of any length; null: there is none
   const char* byteLength = "OCTET_LENGTH({})";
-  const char* encoding = nullptr;         // asks for the encoding of texts; null: it does not matter
-  const char* convertedLength = nullptr;  // instead of byteLength where that encoding is not UTF8
-  const char* binaryText = nullptr;       // a text that is compared byte by byte, {} the column; null: as it is
-  bool comparesBytes = true;              // texts are, unless a column was made otherwise
+  const char* withoutBlanks = "RTRIM({})";  // at the end
+  const char* encoding = nullptr;           // asks for the encoding of texts; null: it does not matter
+  const char* convertedLength = nullptr;    // instead of byteLength where that encoding is not UTF8
+  const char* binaryText = nullptr;         // a text that is compared byte by byte, {} the column; null: as it is
+  bool comparesBytes = true;                // texts are, unless a column was made otherwise
   bool castsKeys = false;  // texts are cast before they are grouped: other types that are read as texts may
                            // know no equality
   const char* preciseDouble = nullptr;  // text of a floating point number that reads back the same; null: the cast does
+  // How many of some ascending edges are at or below a number: {0} the number, {1} the edges with commas between them;
+  // null: there is no such function.
+  const char* edgesBelow = nullptr;
   bool hasGroupingSets = false;
   bool sumsAreWide = false;           // a sum of 64-bit whole numbers does not overflow
   bool hasPartitions = false;         // FindLeaves knows where its tables' parts are

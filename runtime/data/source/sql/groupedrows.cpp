@@ -12,13 +12,25 @@ mpz_class WeightOfGroup(const RawGroups& groups, std::size_t group) {
 }
 
 void GroupedRows::Add(std::size_t cell, const mpz_class& weight) {
-  const std::size_t before = fWeights.size();
-  AppendDoubles(weight, fUnit, fWeights);
-  if (fWeights.size() == before) fWeights.push_back(0.0);
-  fCells.resize(fWeights.size(), static_cast<std::uint32_t>(cell));
+  std::vector<double> parts;
+  AppendDoubles(weight, fUnit, parts);
+  fCells.push_back(static_cast<std::uint32_t>(cell));
+  fWeights.push_back(parts.empty() ? 0.0 : parts.front());
+  for (std::size_t part = 1; part < parts.size(); ++part) {
+    fFurtherCells.push_back(static_cast<std::uint32_t>(cell));
+    fFurtherWeights.push_back(parts[part]);
+  }
+}
+
+void GroupedRows::EndStretch() {
+  fCells.insert(fCells.end(), fFurtherCells.begin(), fFurtherCells.end());
+  fWeights.insert(fWeights.end(), fFurtherWeights.begin(), fFurtherWeights.end());
+  fFurtherCells.clear();
+  fFurtherWeights.clear();
 }
 
 CountedGroups GroupedRows::Take(const std::vector<StoredColumn>& columns) {
+  EndStretch();
   CountedGroups counted;
   for (const StoredColumn& column : columns) counted.columns.push_back(Gather(column, fCells));
   counted.rows = static_cast<std::int64_t>(fCells.size());

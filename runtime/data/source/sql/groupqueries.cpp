@@ -128,18 +128,30 @@ std::string GroupQueries::GroupingSets(const SqlPlace& place, const std::vector<
 
 std::string GroupQueries::JointGroups(const SqlPlace& place, const std::vector<std::size_t>& columns) const {
   std::vector<std::string> within;
-  std::vector<std::string> names;
-  std::vector<std::string> texts;
+  std::vector<GroupedName> names;
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    names.push_back(fmt::format("c{}", i));
-    within.push_back(Key(columns[i]) + " AS " + names.back());
-    texts.push_back(fDialect.CastToText(names.back(), fTable.columns()[columns[i]].type));
+    const std::string name = fmt::format("c{}", i);
+    within.push_back(Key(columns[i]) + " AS " + name);
+    names.push_back({name, fDialect.CastToText(name, fTable.columns()[columns[i]].type)});
   }
+  return Grouped(place, Joined(within) + WeightWithin(), names);
+}
+
+std::string GroupQueries::Grouped(const SqlPlace& place, const std::string& within,
+                                  const std::vector<GroupedName>& names) const {
+  std::vector<std::string> plain;
+  std::vector<std::string> answered;
+  for (const GroupedName& name : names) {
+    plain.push_back(name.name);
+    answered.push_back(name.text.empty() ? name.name : name.text);
+  }
+  // Within and without, the columns stand in the same order, and nothing bounds an arm: only then does PostgreSQL ask
+  // the servers of all arms at once.
   return fmt::format(
-      "SELECT {}, n{} FROM ({}) g", Joined(texts), WeightAnswer(),
-      Summary(place, Joined(within) + WeightWithin(),
-              fmt::format("{}, {} AS n{}{}", Joined(names), fDialect.countRows, WeightGroup(), WeightSums()),
-              " GROUP BY " + Joined(names) + WeightGroup()));
+      "SELECT {}, n{} FROM ({}) g", Joined(answered), WeightAnswer(),
+      Summary(place, within,
+              fmt::format("{}, {} AS n{}{}", Joined(plain), fDialect.countRows, WeightGroup(), WeightSums()),
+              " GROUP BY " + Joined(plain) + WeightGroup()));
 }
 
 }  // namespace runtime::data

@@ -44,6 +44,13 @@ class GroupQueries {
   /// The groups of several columns together: their texts, cases, weight.
   std::string JointGroups(const SqlPlace& place, const std::vector<std::size_t>& columns) const;
 
+  struct GroupedName {
+    std::string name;
+    std::string text;  // as it is answered; empty: as it is
+  };
+  /// The groups of some names that `within` defines: the names, cases, weight.
+  std::string Grouped(const SqlPlace& place, const std::string& within, const std::vector<GroupedName>& names) const;
+
   /// SELECT `list` over the arms of `SELECT inner FROM arm`, as one answer of an arm each: what a column of numbers is
   /// summed up by.
   std::string Summary(const SqlPlace& place, const std::string& inner, const std::string& list,

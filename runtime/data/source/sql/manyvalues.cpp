@@ -56,7 +56,9 @@ void AskFacts(SqlTable& table, const GroupQueries& queries, const ManyValuedColu
                                    ? queries.Key(column.column)
                                    : dialect.CastToText(table.quoted(column.column), type);
       within += fmt::format("{}{} AS c{}", comma, text, i);
-      list += fmt::format(", MAX({})", fmt::format(fmt::runtime(dialect.byteLength), fmt::format("RTRIM(c{})", i)));
+      list += fmt::format(", MAX({})",
+                          fmt::format(fmt::runtime(dialect.byteLength),
+                                      fmt::format(fmt::runtime(dialect.withoutBlanks), fmt::format("c{}", i))));
       continue;
     }
     within += fmt::format("{0}{1} AS c{2}, {3} AS f{2}", comma, table.quoted(column.column), i,

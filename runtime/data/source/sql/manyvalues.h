@@ -66,7 +66,8 @@ struct ScaleRequest {
   MissingRule missing;
 };
 
-/// REQUIRES: the dialect has whole numbers of any length (decimalType) and wide sums; the weight is no pairs.
+/// REQUIRES: the dialect has whole numbers of any length (decimalType), edgesBelow and wide sums; the weight is no
+/// pairs.
 std::vector<ScaleSummary> SummarizeScales(SqlTable& table, const GroupQueries& queries,
                                           const std::vector<ScaleRequest>& requests);
 

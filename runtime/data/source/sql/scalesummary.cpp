@@ -1,10 +1,12 @@
 // The statistics of scale variables with very many values: one scan for the sums of all of them, one a variable for how
 // its values lie, and then only the values around the quartiles.
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <map>
 #include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -22,7 +24,9 @@ constexpr std::size_t kColumnsAtOnce = 20;
 constexpr int kBitsOfProducts = 31;  // a product of two pieces has 62 bits
 constexpr int kBitsOfDecimals = 52;
 constexpr int kBitsBelowSample = 20;  // all rows may hold smaller numbers than the first ones
-constexpr std::size_t kStretches = 256;
+constexpr std::size_t kEdgesOfSample = 120;
+constexpr int kEqualSteps = 100;
+constexpr std::uint64_t kStepsOfOrder = 32;
 constexpr std::int64_t kFetchedAtMost = 100'000;  // cases of a stretch whose values are fetched
 constexpr std::int64_t kRowsOfSample = 5000;
 
@@ -103,7 +107,10 @@ class Summarizing {
     fScale = &scale;
     fCases = 0;
     const double infinity = std::numeric_limits<double>::infinity();
-    CutStretch(EdgesOf(scale.request->column.firstNumbers), -infinity, infinity, 0);
+    const ManyValuedFacts& facts = scale.request->facts;
+    fToFetch.clear();
+    CutStretch(EdgesOf(scale.request->column.firstNumbers, facts.lowest, facts.highest), -infinity, infinity, 0);
+    if (!fToFetch.empty()) FetchValues();
     if (fCases != scale.cases)
       throw DataError(
           fmt::format("{}: column {}: the engine found {} valid values in one question and {} in another; "
@@ -166,22 +173,42 @@ class Summarizing {
     for (std::size_t i = 0; i < count * (count + 1) / 2; ++i) AddTo(scale.squareSums, i, rows, at++);
   }
 
-  /// Edges between stretches that hold about as many values of the sample each.
-  static std::vector<double> EdgesOf(const std::vector<double>& sample) {
+  /// Edges above the lowest value, of three kinds: between equal shares of a sample, which fit its shape; in equal
+  /// steps, for a sample may come from one corner of the table; and in equal steps of the doubles' own order, so that
+  /// a few rounds part any two numbers, however far the others lie.
+  static std::vector<double> EdgesOf(const std::vector<double>& sample, double lowest, double highest) {
     std::vector<double> edges;
-    const std::size_t step = std::max<std::size_t>(1, sample.size() / kStretches);
+    const std::size_t step = std::max<std::size_t>(1, sample.size() / kEdgesOfSample);
     for (std::size_t i = step; i < sample.size(); i += step) edges.push_back(sample[i]);
+    for (int i = 1; i < kEqualSteps; ++i) {
+      const double share = static_cast<double>(i) / kEqualSteps;
+      edges.push_back(lowest * (1.0 - share) + highest * share);
+    }
+    const std::int64_t from = PlaceOf(lowest);
+    const std::uint64_t span = static_cast<std::uint64_t>(PlaceOf(highest)) - static_cast<std::uint64_t>(from);
+    for (std::uint64_t i = 1; i <= kStepsOfOrder; ++i)
+      edges.push_back(NumberAt(from + static_cast<std::int64_t>(span / kStepsOfOrder * i)));
+    edges.push_back(highest);
+    std::sort(edges.begin(), edges.end());
+    edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
+    std::erase_if(edges, [&](double edge) { return !(edge > lowest && edge <= highest); });
     return edges;
+  }
+
+  /// The place of a number in the order of all doubles, and the number at a place.
+  static std::int64_t PlaceOf(double number) {
+    const auto bits = std::bit_cast<std::int64_t>(number + 0.0);
+    return bits < 0 ? std::numeric_limits<std::int64_t>::min() - bits : bits;
+  }
+  static double NumberAt(std::int64_t place) {
+    return std::bit_cast<double>(place < 0 ? std::numeric_limits<std::int64_t>::min() - place : place);
   }
 
   std::string Literal(double number) const { return fDialect.CastToDouble(NumberLiteral(number)); }
 
-  /// The number of the stretch in which v lies, of those between the edges first ... end - 1: comparisons by halves.
-  std::string StretchOf(const std::vector<double>& edges, std::size_t first, std::size_t end) const {
-    if (first == end) return std::to_string(first);
-    const std::size_t middle = (first + end) / 2;
-    return fmt::format("CASE WHEN v < {} THEN {} ELSE {} END", Literal(edges[middle]), StretchOf(edges, first, middle),
-                       StretchOf(edges, middle + 1, end));
+  /// The number of the stretch in which v lies: of edges at or below it.
+  std::string StretchOf(const std::vector<double>& edges) const {
+    return fmt::format(fmt::runtime(fDialect.edgesBelow), "v", fmt::format("{}", fmt::join(edges, ",")));
   }
 
   std::string Between(double from, double to) const {
@@ -209,24 +236,24 @@ class Summarizing {
     return columns;
   }
 
-  std::string Grouped(const SqlPlace& place, const std::string& key, double from, double to,
+  std::string Grouped(const SqlPlace& place, const std::string& key, const std::string& condition,
                       const std::string& more) const {
     const std::string number = ValidNumber(*fScale->request);
     return SqlTable::OverArms(place, [&](const std::string& arm) {
       return fmt::format("SELECT {0} AS b, {1} AS n{2}{3} FROM (SELECT {4} AS v{5} FROM {6}) s WHERE {7} GROUP BY {0}",
                          key, fDialect.countRows, more, fQueries.WeightSums(), number, fQueries.WeightWithin(), arm,
-                         Between(from, to));
+                         condition);
     });
   }
 
   std::vector<Stretch> AskStretches(const std::vector<double>& edges, double from, double to) {
     std::vector<Stretch> stretches(edges.size() + 1);
-    const std::string stretch = StretchOf(edges, 0, edges.size());
+    const std::string stretch = StretchOf(edges);
     fTable.Ask(
         [&](const SqlPlace& place) {
           return fmt::format("SELECT b, n, {}, {}{} FROM ({}) g", fDialect.CastToText("lo", SqlType::Double),
                              fDialect.CastToText("hi", SqlType::Double), WeightColumns(),
-                             Grouped(place, stretch, from, to, ", MIN(v) AS lo, MAX(v) AS hi"));
+                             Grouped(place, stretch, Between(from, to), ", MIN(v) AS lo, MAX(v) AS hi"));
         },
         [&](SqlRows& rows) {
           Stretch& found = stretches.at(static_cast<std::size_t>(WholeCell(rows, 0)));
@@ -239,11 +266,15 @@ class Summarizing {
     return stretches;
   }
 
-  void FetchValues(double from, double to) {
+  /// All values of the stretches that are to be fetched, in one question.
+  void FetchValues() {
+    std::string condition;
+    for (const auto& [from, to] : fToFetch)
+      condition += fmt::format("{}({})", condition.empty() ? "" : " OR ", Between(from, to));
     fTable.Ask(
         [&](const SqlPlace& place) {
           return fmt::format("SELECT {}, n{} FROM ({}) g", fDialect.CastToText("b", SqlType::Double), WeightColumns(),
-                             Grouped(place, "v", from, to, ""));
+                             Grouped(place, "v", "(" + condition + ")", ""));
         },
         [&](SqlRows& rows) {
           const std::int64_t cases = WholeCell(rows, 1);
@@ -295,24 +326,12 @@ class Summarizing {
         fValues[stretch.highest + 0.0] += stretch.weight;
         fCases += stretch.cases;
       } else if (stretch.cases <= kFetchedAtMost) {
-        FetchValues(itsFrom, itsTo);
+        fToFetch.push_back({itsFrom, itsTo});
       } else {
-        CutStretch(FinerEdges(stretch, itsFrom, itsTo), itsFrom, itsTo, before);
+        CutStretch(EdgesOf(SampleOf(itsFrom, itsTo), stretch.lowest, stretch.highest), itsFrom, itsTo, before);
       }
       before += stretch.weight;
     }
-  }
-
-  /// At least one edge that parts the stretch.
-  std::vector<double> FinerEdges(const Stretch& stretch, double from, double to) {
-    std::vector<double> sample = SampleOf(from, to);
-    sample.erase(std::remove_if(sample.begin(), sample.end(), [&](double v) { return v <= stretch.lowest; }),
-                 sample.end());
-    if (sample.size() > 1) {
-      std::vector<double> edges = EdgesOf(sample);
-      if (!edges.empty()) return edges;
-    }
-    return {stretch.highest};
   }
 
   SqlTable& fTable;
@@ -322,6 +341,7 @@ class Summarizing {
   Scale* fScale = nullptr;
   std::map<double, mpz_class> fValues;
   std::int64_t fCases = 0;
+  std::vector<std::pair<double, double>> fToFetch;  // stretches, from the first number to below the second
 };
 
 /// Sums up all that can be; what lies too deep is asked again with more pieces.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <utility>
 
 #include <fmt/format.h>
@@ -62,6 +63,7 @@ void SqlGroups::CountRows() {
 
 void SqlGroups::ReadFirstRows() {
   fHasFirstRows = true;
+  FindMergingCollations();
   const auto columns = static_cast<std::int64_t>(fColumns.size());
   const std::int64_t rows = std::clamp(kFirstCells / columns, kFewestFirstRows, kMostFirstRows);
   if (fRows <= rows) return;  // few rows need no looking ahead
@@ -70,7 +72,6 @@ void SqlGroups::ReadFirstRows() {
     for (std::size_t column = 0; column < cells.size(); ++column)
       if (const std::optional<std::string_view> text = answer.Text(column)) cells[column] = std::string(*text);
   });
-  FindMergingCollations();
 }
 
 /// A collation that takes different texts for equal would merge their groups.
@@ -100,8 +101,8 @@ bool SqlGroups::MayStayUngrouped(std::size_t column) const {
 
 bool SqlGroups::CanSummarize(std::size_t column) const {
   const SqlDialect& dialect = fTable->dialect();
-  return dialect.decimalType != nullptr && dialect.sumsAreWide && IsExactNumber(itself(column).type) &&
-         fQueries.weight().form != SqlWeight::Form::Pairs;
+  return dialect.decimalType != nullptr && dialect.edgesBelow != nullptr && dialect.sumsAreWide &&
+         IsExactNumber(itself(column).type) && fQueries.weight().form != SqlWeight::Form::Pairs;
 }
 
 void SqlGroups::Read(const std::optional<WeightColumn>& weight) {
@@ -321,7 +322,7 @@ bool SqlGroups::Group(std::size_t column, std::optional<std::int64_t> most) {
                 TakeRow(groups, rows, 0);
               });
   // Of several places it is not known which one gave how many: then all together must stay below the limit of one.
-  if (most && answers >= (fTable->places() == 1 ? *limitOf(fTable->first()) : *most + 1)) return false;
+  if (most && answers >= (fTable->places().size() == 1 ? *limitOf(fTable->first()) : *most + 1)) return false;
   fColumns[column].groups = std::move(groups);
   CheckSum(column);
   fColumns[column].isComplete = true;
@@ -332,8 +333,9 @@ void SqlGroups::Complete(std::size_t column) {
   if (!fColumns[column].isComplete) Group(column, std::nullopt);
 }
 
-void SqlGroups::CheckSum(std::size_t column) const {
-  const std::int64_t counted = fColumns[column].groups.allCases();
+void SqlGroups::CheckSum(std::size_t column) const { CheckCases(column, fColumns[column].groups.allCases()); }
+
+void SqlGroups::CheckCases(std::size_t column, std::int64_t counted) const {
   if (counted == fRows) return;
   throw DataError(
       fmt::format("{}: column {}: the groups that the database counted have {} rows and the table has {}; a "
@@ -392,7 +394,8 @@ void SqlGroups::TypeUngrouped(std::size_t column) {
     typed.facts.longestValue = std::max(typed.facts.longestValue, static_cast<std::size_t>(known.facts.longestText));
     return;
   }
-  if (typed.facts.type == FieldType::Number) typed.facts.decimals = known.facts.decimals;
+  if (typed.facts.type == FieldType::Number)
+    typed.facts.decimals = std::max(typed.facts.decimals, known.facts.decimals);
   if (known.facts.hasNumbers)
     typed.facts.values.Include({true, known.facts.allWhole, known.facts.lowest, known.facts.highest});
 }
@@ -438,6 +441,43 @@ CountedGroups SqlGroups::OfSummary(const ScaleSummary& summary) const {
   counted.valueSums = summary.valueSums;
   counted.squareSums = summary.squareSums;
   return counted;
+}
+
+CountedGroups SqlGroups::OfListed(std::size_t column, const std::vector<double>& listed) {
+  enum Kind : std::int64_t { kListed, kOther, kMissing };
+  const SqlDialect& dialect = fTable->dialect();
+  const MissingRule& missing = fMissing[column];
+  const std::string number = fQueries.Number(column);
+  std::vector<std::string> literals;
+  for (const double value : listed) literals.push_back(dialect.CastToDouble(NumberLiteral(value)));
+  const std::string isListed = fmt::format("{} IN ({})", number, fmt::join(literals, ", "));
+  const std::string within =
+      fmt::format("CASE WHEN {0} THEN {1} WHEN {2} THEN {3} ELSE {4} END AS k, CASE WHEN {0} THEN {5} END AS c{6}",
+                  isListed, std::int64_t{kListed}, ValidCondition(dialect, number, missing), std::int64_t{kOther},
+                  std::int64_t{kMissing}, number, fQueries.WeightWithin());
+  double other = 0.5;  // any valid number that is not listed
+  while (missing.holds(other) || std::find(listed.begin(), listed.end(), other) != listed.end()) other += 1.0;
+  std::map<std::pair<std::int64_t, double>, mpz_class> weights;
+  std::int64_t cases = 0;
+  fTable->Ask(
+      [&](const SqlPlace& place) {
+        return fQueries.Grouped(place, within, {{"k", ""}, {"c", dialect.CastToText("c", SqlType::Double)}});
+      },
+      [&](SqlRows& rows) {
+        const std::int64_t kind = WholeCell(rows, 0);
+        const double value = kind == kListed ? NumberOfCell(SqlType::Double, rows.Text(1).value_or("")) : other;
+        const std::int64_t itsCases = WholeCell(rows, 2);
+        cases += itsCases;
+        weights[{kind, value}] += fQueries.weight().WeightOf(rows, 3, static_cast<long>(itsCases));
+      });
+  CheckCases(column, cases);
+  std::vector<double> numbers;
+  GroupedRows rows(fQueries.weight());
+  for (const auto& [key, weight] : weights) {
+    rows.Add(numbers.size(), weight);
+    numbers.push_back(key.first == kMissing ? std::numeric_limits<double>::quiet_NaN() : key.second);
+  }
+  return rows.Take({NumbersColumn(numbers)});
 }
 
 CountedGroups SqlGroups::Joint(const std::vector<int>& variables) {
@@ -499,6 +539,10 @@ std::vector<CountedGroups> SqlGroups::Count(const std::vector<CountingRequest>& 
       requestOfScale.push_back(i);
       continue;
     }
+    if (!fColumns[column].isComplete && request.listed && IsNumeric(column) && CanSummarize(column)) {
+      answers[i] = OfListed(column, *request.listed);
+      continue;
+    }
     if (!fColumns[column].isComplete && isScale) {
       Complete(column);
       Type(column);
@@ -535,6 +579,7 @@ CountedGroups SqlGroups::CountAll(const CountingRequest& request) {
   const RawGroups& groups = fColumns[column].groups;
   GroupedRows rows(fQueries.weight());
   for (std::size_t i = 0; i < first.size(); ++i) rows.Add(i, WeightOfGroup(first, i));
+  rows.EndStretch();
   for (std::size_t i = 0; i < groups.size(); ++i) {
     const mpz_class given = i < first.size() ? WeightOfGroup(first, i) : mpz_class(0);
     const mpz_class left = WeightOfGroup(groups, i) - given;

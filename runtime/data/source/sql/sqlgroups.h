@@ -80,6 +80,7 @@ class SqlGroups : public GroupSource {
   void Complete(std::size_t column);
   void TakeRow(RawGroups& groups, SqlRows& rows, std::size_t at) const;
   void CheckSum(std::size_t column) const;
+  void CheckCases(std::size_t column, std::int64_t counted) const;
   void DescribeUngrouped(const std::vector<std::size_t>& columns);
   void Type(std::size_t column);
   void TypeUngrouped(std::size_t column);
@@ -89,6 +90,8 @@ class SqlGroups : public GroupSource {
   CountedGroups AllCases() const;
   CountedGroups OfColumn(std::size_t column) const;
   CountedGroups OfFirstRows(std::size_t column) const;
+  /// The listed values of a column that is not grouped, and the others as valid and missing.
+  CountedGroups OfListed(std::size_t column, const std::vector<double>& listed);
   CountedGroups Joint(const std::vector<int>& variables);
   CountedGroups OfSummary(const ScaleSummary& summary) const;
   bool CanSummarize(std::size_t column) const;

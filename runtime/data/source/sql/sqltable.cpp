@@ -41,10 +41,7 @@ void SqlTable::OpenPlace(const std::string& address, const SqlTableOptions& opti
   place.connection = options.connect ? options.connect(address) : OpenSqlConnection(address);
   SqlConnection& connection = *place.connection;
   const SqlDialect& dialect = DialectOf(connection.engine());
-  for (const std::string& setting : dialect.settings) {
-    Tell(place, setting);
-    connection.Run(setting);
-  }
+  for (const std::string& setting : dialect.settings) Set(place, setting);
   if (options.query) {
     place.relation = fmt::format("(\n{}\n) q", CheckQuery(*options.query, connection.name()));
   } else {
@@ -79,6 +76,17 @@ void SqlTable::LearnEncoding(const SqlPlace& place) {
   if (rows->Next() && rows->Text(0) != "UTF8") fDialect.byteLength = fDialect.convertedLength;
 }
 
+/// A version of the engine that does not know a setting has nothing to set.
+void SqlTable::Set(SqlPlace& place, const std::string& setting) {
+  Tell(place, setting);
+  place.connection->Keep();
+  try {
+    place.connection->Run(setting);
+  } catch (const DataError&) {
+    place.connection->BackTo();
+  }
+}
+
 void SqlTable::CheckSameColumns(const SqlPlace& place, const std::vector<SqlColumn>& columns) const {
   const std::string& first = fPlaces.front().connection->name();
   if (columns.size() != fColumns.size())
@@ -98,12 +106,6 @@ bool SqlTable::hasArms() const {
   for (const SqlPlace& place : fPlaces)
     if (place.arms.size() > 1) return true;
   return false;
-}
-
-std::vector<SqlConnection*> SqlTable::connections() const {
-  std::vector<SqlConnection*> connections;
-  for (const SqlPlace& place : fPlaces) connections.push_back(place.connection.get());
-  return connections;
 }
 
 void SqlTable::Tell(const SqlPlace& place, const std::string& query) {

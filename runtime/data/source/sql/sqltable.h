@@ -47,7 +47,7 @@ class SqlTable {
   const std::string& quoted(std::size_t column) const { return fQuoted[column]; }
   /// Whether the rows are counted in parts, each by a query of its own.
   bool hasArms() const;
-  std::size_t places() const { return fPlaces.size(); }
+  const std::vector<SqlPlace>& places() const { return fPlaces; }
 
   /// Asks in every place, in all of them at once, the question that `query` makes for its place, and hands the rows
   /// over, one at a time; those of different places come in any order.
@@ -58,10 +58,10 @@ class SqlTable {
   static std::string OverArms(const SqlPlace& place, const std::function<std::string(const std::string&)>& select);
 
   const SqlPlace& first() const { return fPlaces.front(); }
-  std::vector<SqlConnection*> connections() const;
 
  private:
   void OpenPlace(const std::string& address, const SqlTableOptions& options);
+  void Set(SqlPlace& place, const std::string& setting);
   void LearnEncoding(const SqlPlace& place);
   void CheckSameColumns(const SqlPlace& place, const std::vector<SqlColumn>& columns) const;
   void AskPlace(SqlPlace& place, const std::string& query, const std::function<void(SqlRows&)>& onRow);

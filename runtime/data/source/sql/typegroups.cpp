@@ -99,8 +99,22 @@ bool HasWholesBeyondDoubles(SqlType type, const RawGroups& groups) {
   return false;
 }
 
+int WrittenDecimals(const RawGroups& groups) {
+  std::size_t most = 0;
+  for (std::size_t i = 0; i < groups.size(); ++i) {
+    const std::string& text = groups.text(i);
+    const std::size_t point = text.find('.');
+    if (point != std::string::npos) most = std::max(most, text.size() - point - 1);
+  }
+  constexpr std::size_t kMostDecimals = 16;
+  return static_cast<int>(std::min(most, kMostDecimals));
+}
+
 TypedColumn TypeGroups(const SqlColumn& column, FieldType type, const ColumnPlan& plan, const RawGroups& groups) {
   TypedColumn typed = ReadGroups(column, type, plan, groups, 0, groups.size());
+  // Decimal fractions keep the zeros that they are written with.
+  if (column.type == SqlType::Decimal && typed.facts.type == FieldType::Number)
+    typed.facts.decimals = std::max(typed.facts.decimals, WrittenDecimals(groups));
   CountCells(typed.facts, column, type, plan, groups);
   return typed;
 }
