@@ -33,7 +33,7 @@ class DatabaseTest(ProgramTest):
     @classmethod
     def setUpClass(cls):
         if DatabaseTest.servers is None:
-            DatabaseTest.servers = PostgresServers(workers=0)
+            DatabaseTest.servers = PostgresServers(is_small=True)
             DatabaseTest.servers.__enter__()
             unittest.addModuleCleanup(DatabaseTest.servers.__exit__)
             DatabaseTest.servers.coordinator.run("CREATE TABLE survey (sex int, town text); INSERT INTO survey VALUES (1, 'Bonn'), (2, 'Ulm'), (1, NULL);")
@@ -354,12 +354,6 @@ class Gone(ProgramTest):
     """Servers of each test's own, which end while the program reads."""
 
     ROWS = 60_000
-
-    def start(self, workers):
-        servers = PostgresServers(workers)
-        servers.__enter__()
-        self.addCleanup(servers.__exit__)
-        return servers
 
     def run_and_kill(self, servers, victim, source, condition):
         """Runs the program and kills `victim` when a line that it says of its queries fulfils the condition."""

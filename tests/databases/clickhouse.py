@@ -83,7 +83,7 @@ class ClickHouseServer:
 
     def __enter__(self):
         command = program()
-        self.folder = ServerFolder(["clickhouse", "nobody"])
+        self.folder = ServerFolder(["clickhouse", "nobody"], is_small=True)
         try:
             http, tcp = free_port(), free_port()
             self.url = f"http://127.0.0.1:{http}/"

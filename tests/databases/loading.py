@@ -102,7 +102,7 @@ class Databases:
                 self.clickhouse = server.__enter__()
             if self.places - {SQLITE, CLICKHOUSE}:
                 require_driver()
-                self.server = PostgresServers(WORKER_COUNT if self.places & {SHARDS, INHERITED, WORKERS} else 0)
+                self.server = PostgresServers(WORKER_COUNT if self.places & {SHARDS, INHERITED, WORKERS} else 0, is_small=True)
                 self.server.__enter__()
                 self.server.coordinator.run("".join(f"CREATE SCHEMA {schema};" for schema in [PLAIN_SCHEMA, INHERITED_SCHEMA, *all_leaf_schemas()]))
                 for worker in self.server.workers:

@@ -21,7 +21,7 @@ import sys
 
 from serverprocess import SKIPPED, NotInstalled, ServerError, ServerFolder, ServerProcess, end_on_signals, free_port
 
-DATABASE = "codebook"
+DATABASE = "postgres"  # the one that is there, in UTF-8 and compared by bytes
 OWNER = "codebook_owner"  # of the tables; may do everything
 READER = "codebook_reader"  # may read what it is granted, and needs no password
 GUARDED = "codebook_guarded"  # may read as well, with the password below
@@ -55,7 +55,6 @@ local all all trust
 ROLES = f"""
 CREATE ROLE {READER} LOGIN;
 CREATE ROLE {GUARDED} LOGIN IN ROLE {READER} PASSWORD '{PASSWORD.replace("'", "''")}';
-CREATE DATABASE {DATABASE} OWNER {OWNER} TEMPLATE template0 ENCODING 'UTF8' LC_COLLATE 'C' LC_CTYPE 'C';
 """
 
 # What the owner makes, others may read.
@@ -128,8 +127,12 @@ class PostgresServer:
 class PostgresServers:
     """A context manager: `coordinator`, the server that is asked, and `workers`, those that it asks."""
 
-    def __init__(self, workers=0):
+    def __init__(self, workers=0, settings="", is_small=False):
+        """`settings`: lines of each server's configuration, behind those that all tests have. `is_small`: all data together
+        are some megabytes."""
         self.worker_count = workers
+        self.settings = settings
+        self.is_small = is_small
         self.coordinator = None
         self.workers = []
         self.folder = None
@@ -137,7 +140,7 @@ class PostgresServers:
 
     def __enter__(self):
         programs()
-        self.folder = ServerFolder(["postgres", "nobody"])
+        self.folder = ServerFolder(["postgres", "nobody"], self.is_small)
         try:
             self._start()
         except BaseException:
@@ -188,7 +191,7 @@ class PostgresServers:
         port = free_port()
         socket_folder = self.folder.inside(name)
         self.folder.write(os.path.join(name, "data", "postgresql.auto.conf"),
-                          f"{SETTINGS}port = {port}\nunix_socket_directories = '{socket_folder}'\n")
+                          f"{SETTINGS}{self.settings}port = {port}\nunix_socket_directories = '{socket_folder}'\n")
         self.folder.write(os.path.join(name, "data", "pg_hba.conf"), ACCESS)
         process = ServerProcess(self.folder, name, [os.path.join(programs(), "postgres"), "-D", os.path.join(socket_folder, "data")])
         return PostgresServer(name, self.folder, process, port)

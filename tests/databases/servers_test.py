@@ -45,7 +45,7 @@ def wait_for(condition):
 class Postgres(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.servers = PostgresServers(workers=2)
+        cls.servers = PostgresServers(workers=2, is_small=True)
         cls.servers.__enter__()
         cls.addClassCleanup(cls.servers.__exit__)
 
@@ -115,7 +115,7 @@ class Ends(unittest.TestCase):
                     self.assertEqual(os.listdir(folder), ["ids"])
 
     def test_killedServerIsGoneAtOnceAndTheOthersGoOn(self):
-        with PostgresServers(workers=1) as servers:
+        with PostgresServers(workers=1, is_small=True) as servers:
             servers.workers[0].kill()
             self.assertFalse(is_running(servers.workers[0].process.pid))
             self.assertEqual(servers.coordinator.run("SELECT 1;"), "1\n")
