@@ -35,6 +35,9 @@ struct SqlDialect {
   // How many of some ascending edges are at or below a number: {0} the number, {1} the edges with commas between them;
   // null: there is no such function.
   const char* edgesBelow = nullptr;
+  // Behind an inner SELECT: its expressions are evaluated once a row, however often they are named outside. Empty: the
+  // engine does as it likes.
+  const char* fence = "";
   bool hasGroupingSets = false;
   bool sumsAreWide = false;           // a sum of 64-bit whole numbers does not overflow
   bool hasPartitions = false;         // FindLeaves knows where its tables' parts are

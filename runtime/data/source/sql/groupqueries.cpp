@@ -59,9 +59,12 @@ std::string GroupQueries::WeightAnswer() const {
 }
 
 std::string GroupQueries::Summary(const SqlPlace& place, const std::string& inner, const std::string& list,
-                                  const std::string& behind) const {
+                                  const std::string& behind, bool needsFence) const {
   return SqlTable::OverArms(place, [&](const std::string& arm) {
-    return fmt::format("SELECT {} FROM (SELECT {} FROM {}) s{}", list, inner, arm, behind);
+    // Sums of pieces name the weight several times.
+    const bool isFenced = needsFence || fWeight.form == SqlWeight::Form::Pieces;
+    return fmt::format("SELECT {} FROM (SELECT {} FROM {}{}) s{}", list, inner, arm,
+                       isFenced ? fTable.Fence(place) : "", behind);
   });
 }
 

@@ -52,9 +52,9 @@ class GroupQueries {
   std::string Grouped(const SqlPlace& place, const std::string& within, const std::vector<GroupedName>& names) const;
 
   /// SELECT `list` over the arms of `SELECT inner FROM arm`, as one answer of an arm each: what a column of numbers is
-  /// summed up by.
+  /// summed up by. `needsFence`: the list names expressions of `inner` several times.
   std::string Summary(const SqlPlace& place, const std::string& inner, const std::string& list,
-                      const std::string& behind = {}) const;
+                      const std::string& behind = {}, bool needsFence = false) const;
   /// What a query needs within, and the sums in its list: `, W AS w` and `, SUM(...)`, by the weight's form.
   std::string WeightWithin() const;
   std::string WeightSums() const;

@@ -26,13 +26,16 @@ std::string FiniteNumber(const SqlTable& table, const GroupQueries& queries, std
 }
 
 /// Whether a finite number `f` may have more decimals than these. Where it says no, it has not: a quotient of a whole
-/// number and a power of ten, rounded once, is the double that the decimal number reads as.
+/// number and a power of ten, rounded once, is the double that the decimal number reads as; and the shortest text of a
+/// double has 17 digits at most, so that a number with many digits before the point has few behind it.
 std::string MayHaveMoreDecimals(const SqlDialect& dialect, const std::string& f, int decimals) {
-  const std::string power = dialect.CastToDouble(NumberLiteral(std::pow(10.0, decimals)));
-  const std::string mostExact = dialect.CastToDouble(NumberLiteral(2251799813685248.0));
-  const std::string half = dialect.CastToDouble("0.5");
-  return fmt::format("{0} <> FLOOR({0}) AND (abs({0}) * {1} >= {2} OR FLOOR(abs({0}) * {1} + {3}) / {1} <> abs({0}))",
-                     f, power, mostExact, half);
+  constexpr int kDigitsOfDouble = 17;
+  const auto literal = [&](double number) { return dialect.CastToDouble(NumberLiteral(number)); };
+  return fmt::format(
+      "{0} <> FLOOR({0}) AND abs({0}) < {4} AND (abs({0}) * {1} >= {2} OR FLOOR(abs({0}) * {1} + {3}) / {1} <> "
+      "abs({0}))",
+      f, literal(std::pow(10.0, decimals)), literal(2251799813685248.0), literal(0.5),
+      literal(std::pow(10.0, kDigitsOfDouble - 1 - decimals)));
 }
 
 double NumberOr(SqlRows& rows, std::size_t column, double otherwise) {
@@ -68,10 +71,10 @@ void AskFacts(SqlTable& table, const GroupQueries& queries, const ManyValuedColu
     list += fmt::format(", {}, {}, SUM(CASE WHEN f{} <> FLOOR(f{}) THEN 1 ELSE 0 END)",
                         dialect.CastToText("MIN(" + extreme + ")", type),
                         dialect.CastToText("MAX(" + extreme + ")", type), i, i);
-    list += fmt::format(", SUM(CASE WHEN {} THEN 1 ELSE 0 END)",
+    list += fmt::format(", COUNT(c{}) - COUNT(f{}), SUM(CASE WHEN {} THEN 1 ELSE 0 END)", i, i,
                         MayHaveMoreDecimals(dialect, fmt::format("f{}", i), std::min(column.decimals, kMostDecimals)));
   }
-  table.Ask([&](const SqlPlace& place) { return queries.Summary(place, within, list); },
+  table.Ask([&](const SqlPlace& place) { return queries.Summary(place, within, list, {}, true); },
             [&](SqlRows& rows) {
               std::size_t at = 1;
               for (std::size_t i = 0; i < count; ++i) {
@@ -90,8 +93,9 @@ void AskFacts(SqlTable& table, const GroupQueries& queries, const ManyValuedColu
                   known.hasNumbers = true;
                 }
                 known.allWhole = known.allWhole && WholeCell(rows, at + 2) == 0;
-                if (WholeCell(rows, at + 3) > 0) known.decimalsAreKnown = false;
-                at += 4;
+                known.allFinite = known.allFinite && WholeCell(rows, at + 3) == 0;
+                if (WholeCell(rows, at + 4) > 0) known.decimalsAreKnown = false;
+                at += 5;
               }
             });
 }

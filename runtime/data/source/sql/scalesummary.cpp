@@ -67,14 +67,13 @@ class Summarizing {
       scale->valueSums.clear();
       scale->squareSums.clear();
     }
-    std::string within;
-    std::string list;
+    Levels levels;
     for (std::size_t i = 0; i < scales.size(); ++i) {
-      within += fmt::format("{}{} AS v{}", i > 0 ? ", " : "", ValidNumber(*scales[i]->request), i);
-      list += (i > 0 ? ", " : "") + SumsOf(*scales[i], fmt::format("v{}", i));
+      levels.numbers.push_back(fmt::format("{} AS v{}", ValidNumber(*scales[i]->request), i));
+      AddSumsOf(*scales[i], i, levels);
     }
-    within += fQueries.WeightWithin();
-    fTable.Ask([&](const SqlPlace& place) { return fQueries.Summary(place, within, list); },
+    if (fWeighted) levels.pieces.push_back(Decimal("w", fQueries.weight().pieces) + " AS wn");
+    fTable.Ask([&](const SqlPlace& place) { return LevelsOver(place, levels); },
                [&](SqlRows& rows) {
                  std::size_t at = 0;
                  for (Scale* scale : scales) TakeSums(*scale, rows, at);
@@ -122,6 +121,7 @@ class Summarizing {
  private:
   std::string ValidNumber(const ScaleRequest& request) const {
     const std::string number = fQueries.Number(request.column.column);
+    if (request.facts.allFinite && request.missing.empty()) return number;
     return fmt::format("CASE WHEN {} THEN {} END", ValidCondition(fDialect, number, request.missing), number);
   }
 
@@ -135,23 +135,44 @@ class Summarizing {
     return decimal;
   }
 
-  std::string SumsOf(const Scale& scale, const std::string& v) const {
+  /// A statement in three levels, so that each number is made once a row, and each of its pieces: the numbers, their
+  /// pieces, the sums.
+  struct Levels {
+    std::vector<std::string> numbers;
+    std::vector<std::string> pieces;
+    std::vector<std::string> sums;
+  };
+
+  std::string LevelsOver(const SqlPlace& place, const Levels& levels) const {
+    const char* const fence = fTable.Fence(place);
+    return SqlTable::OverArms(place, [&](const std::string& arm) {
+      return fmt::format("SELECT {} FROM (SELECT {} FROM (SELECT {}{} FROM {}{}) s{}) t", fmt::join(levels.sums, ", "),
+                         fmt::join(levels.pieces, ", "), fmt::join(levels.numbers, ", "), fQueries.WeightWithin(), arm,
+                         fence, fence);
+    });
+  }
+
+  void AddSumsOf(const Scale& scale, std::size_t i, Levels& levels) const {
     const PiecePlan& plan = *scale.plan;
-    std::string list =
-        fmt::format("COUNT({}), SUM(CASE WHEN {} THEN 1 ELSE 0 END)", v, HasBitsBelow(fDialect, v, plan));
+    const std::string v = fmt::format("v{}", i);
+    levels.pieces.push_back(v);
+    levels.pieces.push_back(fmt::format("CASE WHEN {} THEN 1 ELSE 0 END AS h{}", HasBitsBelow(fDialect, v, plan), i));
+    levels.sums.push_back(fmt::format("COUNT({})", v));
+    levels.sums.push_back(fmt::format("SUM(h{})", i));
     if (fWeighted) {
-      const PiecePlan& ofWeight = fQueries.weight().pieces;
-      const std::string w = Decimal("w", ofWeight);
-      const std::string x = Decimal(v, plan);
-      return list + fmt::format(", SUM(CASE WHEN {0} IS NOT NULL THEN {1} END), SUM({1} * {2}), SUM({1} * {2} * {2})",
-                                v, w, x);
+      levels.pieces.push_back(fmt::format("{} AS x{}", Decimal(v, plan), i));
+      levels.sums.push_back(fmt::format("SUM(CASE WHEN {} IS NOT NULL THEN wn END)", v));
+      levels.sums.push_back(fmt::format("SUM(wn * x{})", i));
+      levels.sums.push_back(fmt::format("SUM(wn * x{0} * x{0})", i));
+      return;
     }
-    for (int i = 0; i < plan.count; ++i) list += fmt::format(", SUM({})", PieceExpression(fDialect, v, plan, i));
-    for (int i = 0; i < plan.count; ++i)
-      for (int j = i; j < plan.count; ++j)
-        list +=
-            fmt::format(", SUM({} * {})", PieceExpression(fDialect, v, plan, i), PieceExpression(fDialect, v, plan, j));
-    return list;
+    for (int piece = 0; piece < plan.count; ++piece) {
+      levels.pieces.push_back(fmt::format("{} AS x{}_{}", PieceExpression(fDialect, v, plan, piece), i, piece));
+      levels.sums.push_back(fmt::format("SUM(x{}_{})", i, piece));
+    }
+    for (int one = 0; one < plan.count; ++one)
+      for (int other = one; other < plan.count; ++other)
+        levels.sums.push_back(fmt::format("SUM(x{0}_{1} * x{0}_{2})", i, one, other));
   }
 
   static void AddTo(std::vector<mpz_class>& sums, std::size_t i, SqlRows& rows, std::size_t column) {
@@ -240,9 +261,10 @@ class Summarizing {
                       const std::string& more) const {
     const std::string number = ValidNumber(*fScale->request);
     return SqlTable::OverArms(place, [&](const std::string& arm) {
-      return fmt::format("SELECT {0} AS b, {1} AS n{2}{3} FROM (SELECT {4} AS v{5} FROM {6}) s WHERE {7} GROUP BY {0}",
-                         key, fDialect.countRows, more, fQueries.WeightSums(), number, fQueries.WeightWithin(), arm,
-                         condition);
+      return fmt::format(
+          "SELECT {0} AS b, {1} AS n{2}{3} FROM (SELECT {4} AS v{5} FROM {6}{8}) s WHERE {7} GROUP BY {0}", key,
+          fDialect.countRows, more, fQueries.WeightSums(), number, fQueries.WeightWithin(), arm, condition,
+          fTable.Fence(place));
     });
   }
 

@@ -23,8 +23,11 @@ namespace {
 constexpr std::int64_t kMostFirstRows = 5000;
 constexpr std::int64_t kFewestFirstRows = 200;
 constexpr std::int64_t kFirstCells = 500'000;  // of all columns
-constexpr std::int64_t kMostGroups = 50'000;   // of a column that is fetched at once
-constexpr std::size_t kColumnsTogether = 30;   // grouped in one scan
+// Of a column that is fetched as it is: so many, or one a number of rows, which is little beside fetching the rows.
+constexpr std::int64_t kMostGroups = 50'000;
+constexpr std::int64_t kRowsOfGroup = 30;
+constexpr std::int64_t kMostGroupsOfAny = 2'000'000;
+constexpr std::size_t kColumnsTogether = 30;  // grouped in one scan
 
 bool IsText(SqlType type) { return type == SqlType::Text || type == SqlType::FixedText; }
 bool IsExactNumber(SqlType type) {
@@ -33,6 +36,14 @@ bool IsExactNumber(SqlType type) {
 
 std::optional<std::string_view> View(const std::optional<std::string>& cell) {
   return cell ? std::optional<std::string_view>(*cell) : std::nullopt;
+}
+
+/// How many values a column has when so many of its first rows are different and values are equally likely: of n rows
+/// drawn from D values about n^2 / 2D meet one drawn before.
+double LikelyValues(std::size_t distinct, std::size_t rows) {
+  if (distinct >= rows) return std::numeric_limits<double>::infinity();
+  const auto drawn = static_cast<double>(rows);
+  return drawn * drawn / (2.0 * static_cast<double>(rows - distinct));
 }
 
 }  // namespace
@@ -92,6 +103,8 @@ bool SqlGroups::IsNumeric(std::size_t column) const {
   const FieldType type = fColumns[column].type;
   return type != FieldType::String && (declared == FieldType::Inferred || NumbersServe(type, declared));
 }
+
+std::int64_t SqlGroups::MostGroups() const { return std::clamp(fRows / kRowsOfGroup, kMostGroups, kMostGroupsOfAny); }
 
 bool SqlGroups::MayStayUngrouped(std::size_t column) const {
   const FieldType declared = fPlans[column].dialect.type;
@@ -165,7 +178,7 @@ bool SqlGroups::PlanPiecesOfWeight(const WeightColumn& weight) {
     top = std::max(top, TopBit(number));
     lowest = std::min(lowest, LowestBit(number));
   };
-  if (Group(weight.column, kMostGroups)) {
+  if (Group(weight.column, MostGroups())) {
     const RawGroups& groups = fColumns[weight.column].groups;
     for (std::size_t i = 0; i < groups.size(); ++i)
       if (!groups.isNull(i)) include(NumberOfCell(itself(weight.column).type, groups.text(i)));
@@ -276,9 +289,7 @@ std::vector<std::size_t> SqlGroups::ChooseColumnsToGroup() {
       Complete(column);
       continue;
     }
-    // When nearly each of the first rows has a value of its own, there are far more values than are fetched.
-    const bool isHopeless = distinct * 20 > sampled * 19;
-    if (!isHopeless) Group(column, kMostGroups);
+    if (LikelyValues(distinct, sampled) <= 2.0 * static_cast<double>(MostGroups())) Group(column, MostGroups());
   }
   return together;
 }
@@ -293,7 +304,7 @@ void SqlGroups::TakeRow(RawGroups& groups, SqlRows& rows, std::size_t at) const 
 void SqlGroups::GroupTogether(const std::vector<std::size_t>& columns) {
   if (columns.size() == 1) {
     const bool mayStay = MayStayUngrouped(columns.front());
-    Group(columns.front(), mayStay ? std::optional<std::int64_t>(kMostGroups) : std::nullopt);
+    Group(columns.front(), mayStay ? std::optional<std::int64_t>(MostGroups()) : std::nullopt);
     return;
   }
   for (const std::size_t column : columns) fColumns[column].groups = RawGroups(fQueries.weight().weighted());

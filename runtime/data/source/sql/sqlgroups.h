@@ -70,6 +70,8 @@ class SqlGroups : public GroupSource {
   mpz_class WeightOfCells(const Cells& cells) const;
   void GroupFirstRows();
 
+  /// Most groups of a column that are fetched without being asked for.
+  std::int64_t MostGroups() const;
   bool IsNumeric(std::size_t column) const;
   /// Whether the column need not be grouped as a whole.
   bool MayStayUngrouped(std::size_t column) const;
