@@ -331,7 +331,8 @@ bool SqlGroups::Group(std::size_t column, std::optional<std::int64_t> most) {
               [&](SqlRows& rows) {
                 ++answers;
                 TakeRow(groups, rows, 0);
-              });
+              },
+              most ? AnswerLength::Short : AnswerLength::Long);
   // Of several places it is not known which one gave how many: then all together must stay below the limit of one.
   if (most && answers >= (fTable->places().size() == 1 ? *limitOf(fTable->first()) : *most + 1)) return false;
   fColumns[column].groups = std::move(groups);
@@ -582,7 +583,7 @@ CountedGroups SqlGroups::CountAll(const CountingRequest& request) {
   for (std::size_t i = 0; i < first.size(); ++i)
     all.Enter(first.isNull(i) ? std::nullopt : std::optional<std::string_view>(first.text(i)));
   fTable->Ask([&](const SqlPlace& place) { return fQueries.Groups(place, column, std::nullopt); },
-              [&](SqlRows& rows) { TakeRow(all, rows, 0); });
+              [&](SqlRows& rows) { TakeRow(all, rows, 0); }, AnswerLength::Long);
   fColumns[column].groups = std::move(all);
   CheckSum(column);
   fColumns[column].isComplete = true;

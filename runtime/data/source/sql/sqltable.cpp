@@ -112,19 +112,22 @@ void SqlTable::Tell(const SqlPlace& place, const std::string& query) {
   if (fOnQuery) fOnQuery(place.connection->name(), query);
 }
 
-void SqlTable::AskPlace(SqlPlace& place, const std::string& query, const std::function<void(SqlRows&)>& onRow) {
-  const std::unique_ptr<SqlRows> rows = place.connection->Ask(query);
+void SqlTable::AskPlace(SqlPlace& place, const std::string& query, const std::function<void(SqlRows&)>& onRow,
+                        AnswerLength length) {
+  SqlConnection& connection = *place.connection;
+  const std::unique_ptr<SqlRows> rows =
+      length == AnswerLength::Short ? connection.AskWhole(query) : connection.Ask(query);
   while (rows->Next()) onRow(*rows);
 }
 
-void SqlTable::Ask(const std::function<std::string(const SqlPlace&)>& query,
-                   const std::function<void(SqlRows&)>& onRow) {
+void SqlTable::Ask(const std::function<std::string(const SqlPlace&)>& query, const std::function<void(SqlRows&)>& onRow,
+                   AnswerLength length) {
   std::vector<std::string> queries;
   for (const SqlPlace& place : fPlaces) {
     queries.push_back(query(place));
     Tell(place, queries.back());
   }
-  if (fPlaces.size() == 1) return AskPlace(fPlaces.front(), queries.front(), onRow);
+  if (fPlaces.size() == 1) return AskPlace(fPlaces.front(), queries.front(), onRow, length);
   std::mutex mutex;
   const auto onRowOfOne = [&](SqlRows& rows) {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -132,7 +135,7 @@ void SqlTable::Ask(const std::function<std::string(const SqlPlace&)>& query,
   };
   std::vector<std::future<void>> running;
   for (std::size_t i = 0; i < fPlaces.size(); ++i)
-    running.push_back(std::async(std::launch::async, [&, i] { AskPlace(fPlaces[i], queries[i], onRowOfOne); }));
+    running.push_back(std::async(std::launch::async, [&, i] { AskPlace(fPlaces[i], queries[i], onRowOfOne, length); }));
   std::exception_ptr failure;
   for (std::future<void>& place : running) {
     try {
@@ -146,7 +149,7 @@ void SqlTable::Ask(const std::function<std::string(const SqlPlace&)>& query,
 
 void SqlTable::AskFirst(const std::string& query, const std::function<void(SqlRows&)>& onRow) {
   Tell(fPlaces.front(), query);
-  AskPlace(fPlaces.front(), query, onRow);
+  AskPlace(fPlaces.front(), query, onRow, AnswerLength::Short);
 }
 
 std::string SqlTable::OverArms(const SqlPlace& place, const std::function<std::string(const std::string&)>& select) {

@@ -24,6 +24,9 @@ struct SqlTableOptions {
   std::function<std::unique_ptr<SqlConnection>(const std::string& address)> connect;  // empty: OpenSqlConnection
 };
 
+/// A short answer is taken over whole, which lets some engines use all their cores; a long one comes in portions.
+enum class AnswerLength { Short, Long };
+
 /// Where some of the rows are.
 struct SqlPlace {
   std::unique_ptr<SqlConnection> connection;
@@ -51,7 +54,8 @@ class SqlTable {
 
   /// Asks in every place, in all of them at once, the question that `query` makes for its place, and hands the rows
   /// over, one at a time; those of different places come in any order.
-  void Ask(const std::function<std::string(const SqlPlace&)>& query, const std::function<void(SqlRows&)>& onRow);
+  void Ask(const std::function<std::string(const SqlPlace&)>& query, const std::function<void(SqlRows&)>& onRow,
+           AnswerLength length = AnswerLength::Short);
   /// Asks in the first place only.
   void AskFirst(const std::string& query, const std::function<void(SqlRows&)>& onRow);
   /// The question over all arms of a place: `select` makes it for one relation.
@@ -67,7 +71,8 @@ class SqlTable {
   void Set(SqlPlace& place, const std::string& setting);
   void LearnEncoding(const SqlPlace& place);
   void CheckSameColumns(const SqlPlace& place, const std::vector<SqlColumn>& columns) const;
-  void AskPlace(SqlPlace& place, const std::string& query, const std::function<void(SqlRows&)>& onRow);
+  void AskPlace(SqlPlace& place, const std::string& query, const std::function<void(SqlRows&)>& onRow,
+                AnswerLength length);
   void Tell(const SqlPlace& place, const std::string& query);
 
   QueryListener fOnQuery;
