@@ -300,6 +300,10 @@ class Strange(DatabaseTest):
         tables = self.report(*source)
         self.assertEqual([table["dimensions"][0]["items"][0]["items"][0]["cells"][0]["text"] for table in tables], ['What was "a"?', "<none>"])
 
+    def test_connectionStringInTheAddress(self):
+        source = self.make("a int", "INSERT INTO strange VALUES (3);")
+        self.assertEqual(counts_of(self.report("odbc:" + self.server.connection_string(), *source[1:])[0]), {"3": 1})
+
     def test_viewsAndQueriesAreReadLikeTables(self):
         self.make("a int, b text", "INSERT INTO strange SELECT g % 7, 'x' || g % 3 FROM generate_series(1, 100) g;")
         self.server.run("CREATE VIEW seen AS SELECT * FROM strange; CREATE MATERIALIZED VIEW kept AS SELECT * FROM strange;")
