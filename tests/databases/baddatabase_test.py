@@ -285,6 +285,14 @@ class Strange(DatabaseTest):
                              command="CODEBOOK a[N] /STATISTICS COUNT.")
         self.assertEqual(sum(counts_of(tables[0]).values()), 4)
 
+    def test_zeroOfBothSignsIsOneValue(self):
+        source = self.make("x float8, y float8", "INSERT INTO strange VALUES (0, 1), ('-0', 2), (1, '-0'), (2, 0), ('-0', 3);")
+        self.write("own.schema.json", """{"fields": [{"name": "x", "type": "integer"}, {"name": "y", "type": "integer"}],
+            "codebook": {"multipleResponseSets": [{"name": "$s", "type": "category", "variables": ["x", "y"]}]}}""")
+        tables = self.report(*source, "-d", "own.schema.json", command="CODEBOOK x[N] y[N] $s /STATISTICS COUNT.")
+        self.assertEqual([{name.removeprefix("-"): count for name, count in counts_of(table).items()} for table in tables],
+                         [{"0": 3, "1": 1, "2": 1}, {"0": 2, "1": 1, "2": 1, "3": 1}, {"0": 5, "1": 2, "2": 2, "3": 1}])
+
     def test_collationThatMergesLettersKeepsValuesApart(self):
         self.server.run("CREATE COLLATION merging (provider = icu, locale = 'und-u-ks-level1', deterministic = false);")
         self.addCleanup(self.server.run, "DROP COLLATION merging;")
