@@ -11,7 +11,7 @@ build = cmake --preset $(1) $(2) --log-level=WARNING >/dev/null && cmake --build
 # $(call run_tests,PRESET): last in a target, so that its closing lines are ctest's summary.
 run_tests = ctest --test-dir build/$(1) --output-on-failure --no-tests=error -j $(JOBS)
 
-.PHONY: help build messages demo examples test test-asan test-tsan test-browser test-dictionaries coverage format check-format lint-page tidy bench bench-scaling clean
+.PHONY: help build messages demo examples test test-asan test-tsan test-browser test-dictionaries coverage format check-format lint-page tidy bench bench-scaling bench-sql clean
 
 help:  ## show this list
 	@sed -n 's/^\([a-z-]*\):.*## /  make \1|/p' Makefile | column -t -s '|'
@@ -90,6 +90,11 @@ bench-scaling:  ## how cost and memory grow with the data: build/bench/scaling.m
 	@scripts/setup build bench
 	@$(call build,release,-DCODEBOOK_TESTS=OFF -DCODEBOOK_BENCH=ON)
 	@scripts/bench --scaling $(ARGS)
+
+bench-sql:  ## counting in PostgreSQL, on one server and on three, beside fetching its rows (ARGS="--rows 200000")
+	@scripts/setup build bench databases
+	@$(call build,release,-DCODEBOOK_TESTS=OFF -DCODEBOOK_BENCH=ON)
+	@scripts/bench-sql $(ARGS)
 
 clean:  ## remove everything that was built
 	rm -rf build

@@ -81,6 +81,11 @@ def require_driver():
         raise NotInstalled(f'the ODBC driver "{DRIVER}" is not installed: apt-get install unixodbc odbcinst odbc-postgresql')
 
 
+def data_source(name, port):
+    """The lines of a data source, for the reader."""
+    return f"[{name}]\nDriver = {DRIVER}\nServername = 127.0.0.1\nPort = {port}\nDatabase = {DATABASE}\nUsername = {READER}\nSSLmode = disable\n\n"
+
+
 class PostgresServer:
     """A running server. Its socket is in its own folder; statements are sent over it, as the owner unless told otherwise."""
 
@@ -222,11 +227,7 @@ GRANT USAGE ON FOREIGN SERVER {worker.name} TO {OWNER};
 
     def _write_odbc_ini(self):
         sources = [(COORDINATOR, self.coordinator)] + [(f"codebook_{worker.name}", worker) for worker in self.workers]
-        text = ""
-        for name, server in sources:
-            text += f"[{name}]\nDriver = {DRIVER}\nServername = 127.0.0.1\nPort = {server.port}\nDatabase = {DATABASE}\n" \
-                    f"Username = {READER}\nSSLmode = disable\n\n"
-        self.odbc_ini = self.folder.write("odbc.ini", text)
+        self.odbc_ini = self.folder.write("odbc.ini", "".join(data_source(name, server.port) for name, server in sources))
 
 
 def main():
