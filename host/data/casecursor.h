@@ -66,12 +66,15 @@ struct CountingRequest {
 };
 
 /// Sums over the valid cases of a scale variable that were formed where the cases are. Each list's exact sum is meant,
-/// not its rounded one. Not owned.
+/// not its rounded one. Not owned. With them comes the range of the values.
 struct MomentParts {
   const double* values = nullptr;  // of w x
   std::size_t valueCount = 0;
   const double* squares = nullptr;  // of w x^2
   std::size_t squareCount = 0;
+  double lowest = 0.0;
+  double highest = 0.0;
+  bool areWhole = false;  // all of them
 };
 
 /// The groups that a source counted for one request. Over them a table counts what it would count over the cases: each
@@ -91,6 +94,10 @@ class HOST_API CaseGroups {
   /// Of a scale request: the sums that hold instead of those over the rows, whose values then are right only for
   /// percentiles. Null: the rows' own.
   virtual const MomentParts* moments() const { return nullptr; }
+  /// Where moments() are given: the weight of the valid values between each two neighbouring edges, the lower one
+  /// included and, of the last two, both; exact and rounded once. The edges rise and enclose all values. May be called
+  /// by several threads, also when the cursor is exhausted.
+  virtual std::vector<double> WeightsBetween(const std::vector<double>& edges) const;
 };
 
 /// One walk over the cases. Rows count from 0 over the whole dataset; -1 before the first case.

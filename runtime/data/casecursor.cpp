@@ -11,6 +11,8 @@ ChunkListener::~ChunkListener() = default;
 
 CaseGroups::~CaseGroups() = default;
 
+std::vector<double> CaseGroups::WeightsBetween(const std::vector<double>&) const { return {}; }
+
 CaseCursor::CaseCursor() = default;
 
 const CaseGroups* CaseCursor::GroupsFor(const CountingRequest&) { return nullptr; }

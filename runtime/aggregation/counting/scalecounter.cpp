@@ -260,7 +260,7 @@ WeightTotal ScaleCounter::total() const {
   return total;
 }
 
-ItemSketch ScaleCounter::Sketch() const {
+ItemSketch ScaleCounter::Sketch(const CaseGroups* groups) const {
   ItemSketch sketch;
   sketch.variable = fIndex;
   sketch.total = NearestDouble(total());
@@ -268,7 +268,12 @@ ItemSketch ScaleCounter::Sketch() const {
   if (!hasNumbers() || fValid.IsZero()) return sketch;
   sketch.mean = fMoments.Mean(fValid);
   sketch.quartiles = fQuartiles;
-  sketch.bins = Histogram(fFinished, fValid, fQuartiles);
+  const MomentParts* const given = groups == nullptr ? nullptr : groups->moments();
+  sketch.bins =
+      given == nullptr
+          ? Histogram(fFinished, fValid, fQuartiles)
+          : HistogramOf(*groups, {given->lowest, given->highest, fQuartiles[0], fQuartiles[2], NearestDouble(fValid)},
+                        given->areWhole);
   return sketch;
 }
 

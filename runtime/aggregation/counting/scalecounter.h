@@ -37,8 +37,10 @@ class ScaleCounter {
   std::vector<double> Finish(const MomentParts* given = nullptr);
   /// The weight of all rows. REQUIRES: Finish.
   WeightTotal total() const;
-  /// What was counted of the variable. Throws machine::SpillError. REQUIRES: Finish; constructed with `sketches`.
-  ItemSketch Sketch() const;
+  /// What was counted of the variable. `groups`: those that were counted and whose source formed the sums itself, which
+  /// is asked for the histogram then; null elsewhere. Throws machine::SpillError and what the source throws. REQUIRES:
+  /// Finish; constructed with `sketches`.
+  ItemSketch Sketch(const CaseGroups* groups = nullptr) const;
 
   /// Values from which Finish has to select.
   std::size_t keptValues() const { return static_cast<std::size_t>(fValues.count()) + fSlots.size(); }

@@ -131,4 +131,14 @@ std::vector<HistogramBin> Histogram(const WeightedValues& values, const WeightTo
   return areWhole ? whole.Weighed() : others.Weighed();
 }
 
+std::vector<HistogramBin> HistogramOf(const CaseGroups& groups, const BinBasis& basis, bool areWhole) {
+  std::vector<double> edges = areWhole ? WholeNumberEdges(basis.lowest, basis.highest) : std::vector<double>();
+  if (edges.empty() && basis.lowest == basis.highest) return {{basis.lowest, basis.highest, basis.weight}};
+  if (edges.empty()) edges = BinEdges(basis);
+  const std::vector<double> weights = groups.WeightsBetween(edges);
+  std::vector<HistogramBin> bins;
+  for (std::size_t i = 0; i + 1 < edges.size(); ++i) bins.push_back({edges[i], edges[i + 1], weights.at(i)});
+  return bins;
+}
+
 }  // namespace runtime::aggregation

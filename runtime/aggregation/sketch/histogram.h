@@ -3,8 +3,11 @@
 
 #include <vector>
 
+#include "host/data/casecursor.h"
+
 #include "runtime/aggregation/counting/selection.h"
 #include "runtime/aggregation/exact/weighttotal.h"
+#include "runtime/aggregation/sketch/binedges.h"
 #include "runtime/aggregation/sketch/itemsketch.h"
 
 namespace runtime::aggregation {
@@ -15,5 +18,8 @@ namespace runtime::aggregation {
 /// weights, `quartiles` are the values' three. Empty when there is no value. Throws machine::SpillError.
 std::vector<HistogramBin> Histogram(const WeightedValues& values, const WeightTotal& total,
                                     const std::vector<double>& quartiles);
+
+/// The histogram of values that their source counts: the same classes. `areWhole`: all values are.
+std::vector<HistogramBin> HistogramOf(const CaseGroups& groups, const BinBasis& basis, bool areWhole);
 
 }  // namespace runtime::aggregation

@@ -344,8 +344,9 @@ void TableEngine::MakeResults(const std::optional<CasesPassed>& allCases) {
     if (fSketches && countedAll(fCounts.total)) fSketch = SketchOfDimension();
   }
   if (fScaleCounter != nullptr) {
-    fScaleResults = fScaleCounter->Finish(fScaleGroups == nullptr ? nullptr : fScaleGroups->unweighted().moments());
-    if (fSketches && countedAll(fScaleCounter->total())) fSketch = fScaleCounter->Sketch();
+    const CaseGroups* const groups = fScaleGroups == nullptr ? nullptr : fScaleGroups->unweighted().groups;
+    fScaleResults = fScaleCounter->Finish(groups == nullptr ? nullptr : groups->moments());
+    if (fSketches && countedAll(fScaleCounter->total())) fSketch = fScaleCounter->Sketch(groups);
     fScaleCounter.reset();
   }
 }

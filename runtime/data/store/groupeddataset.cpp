@@ -93,9 +93,9 @@ std::int64_t DistinctCells(const StoredColumn& column) {
 /// The groups of one request as the cursor walks over them.
 class GroupList : public CaseGroups {
  public:
-  /// Both are not owned.
-  GroupList(const CaseCursor& cursor, const Dictionary& dictionary, CountingRequest request)
-      : fCursor(cursor), fDictionary(dictionary), fRequest(std::move(request)) {}
+  /// None of the three is owned.
+  GroupList(const CaseCursor& cursor, const Dictionary& dictionary, GroupSource& source, CountingRequest request)
+      : fCursor(cursor), fDictionary(dictionary), fSource(source), fRequest(std::move(request)) {}
 
   std::size_t rows() const override {
     // A request may serve several tables, which count in several threads.
@@ -121,6 +121,10 @@ class GroupList : public CaseGroups {
   /// Those of a part of the groups would not hold for the part.
   const MomentParts* moments() const override { return fGroups.hasMoments && fGroups.isComplete ? &fMoments : nullptr; }
 
+  std::vector<double> WeightsBetween(const std::vector<double>& edges) const override {
+    return fSource.WeightsBetween(fRequest, edges);
+  }
+
   const CountingRequest& request() const { return fRequest; }
   /// Groups known so far.
   std::int64_t groups() const { return fGroups.rows; }
@@ -139,8 +143,9 @@ class GroupList : public CaseGroups {
     // What was counted of the first groups refers to their texts.
     if (fGroups.rows > 0) fEarlier.push_back(std::move(fGroups));
     fGroups = std::move(groups);
-    fMoments = {fGroups.valueSums.data(), fGroups.valueSums.size(), fGroups.squareSums.data(),
-                fGroups.squareSums.size()};
+    fMoments = {fGroups.valueSums.data(),  fGroups.valueSums.size(), fGroups.squareSums.data(),
+                fGroups.squareSums.size(), fGroups.lowest,           fGroups.highest,
+                fGroups.areWhole};
     fWalks.clear();
     fWalkOfColumn.clear();
     for (const StoredColumn& column : fGroups.columns) {
@@ -200,6 +205,7 @@ class GroupList : public CaseGroups {
 
   const CaseCursor& fCursor;
   const Dictionary& fDictionary;
+  GroupSource& fSource;
   const CountingRequest fRequest;
   CountedGroups fGroups;
   std::vector<CountedGroups> fEarlier;
@@ -227,7 +233,7 @@ class GroupCursor : public CaseCursor {
     for (const std::unique_ptr<GroupList>& list : fLists)
       if (list->request() == request) return list.get();
     if (fIsCounted || exhausted()) throw std::logic_error("groups are asked for behind the first case");
-    fLists.push_back(std::make_unique<GroupList>(*this, fDictionary, request));
+    fLists.push_back(std::make_unique<GroupList>(*this, fDictionary, *fSource, request));
     return fLists.back().get();
   }
 
@@ -292,6 +298,10 @@ class GroupCursor : public CaseCursor {
 }  // namespace
 
 GroupSource::~GroupSource() = default;
+
+std::vector<double> GroupSource::WeightsBetween(const CountingRequest&, const std::vector<double>&) {
+  throw std::logic_error("a source that forms sums itself tells how its values lie");
+}
 
 GroupedDataset::GroupedDataset(Dictionary dictionary, std::shared_ptr<GroupSource> source, std::int64_t cases,
                                std::int64_t chunkRows)

@@ -24,6 +24,9 @@ struct CountedGroups {
   bool hasMoments = false;
   std::vector<double> valueSums;
   std::vector<double> squareSums;
+  double lowest = 0.0;  // valid value
+  double highest = 0.0;
+  bool areWhole = false;
 };
 
 /// Whoever counts. Errors throw DataError.
@@ -35,6 +38,8 @@ class GroupSource {
   /// All groups of a request that was not answered completely; the rows given before come first. Asked only when a
   /// table has counted all that was given.
   virtual CountedGroups CountAll(const CountingRequest& request) = 0;
+  /// Of a request that was answered with sums: see CaseGroups::WeightsBetween. May be called by several threads.
+  virtual std::vector<double> WeightsBetween(const CountingRequest& request, const std::vector<double>& edges);
 };
 
 /// One cursor at a time.

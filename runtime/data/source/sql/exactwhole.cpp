@@ -51,6 +51,17 @@ void AppendDoubles(const mpz_class& whole, int exponent, std::vector<double>& do
   }
 }
 
+double NearestDouble(const mpz_class& whole, int exponent) {
+  std::vector<double> parts;
+  AppendDoubles(whole, exponent, parts);
+  if (parts.empty()) return 0.0;
+  if (parts.size() == 1) return parts[0];
+  // One addition rounds once. What lies behind the second part matters only where that is a half to the last bit.
+  int unused = 0;
+  const bool isTie = parts.size() > 2 && std::abs(std::frexp(parts[1], &unused)) == 0.5;
+  return parts[0] + (isTie ? std::nextafter(parts[1], 2.0 * parts[1]) : parts[1]);
+}
+
 int LowestBit(double value) {
   int exponent = 0;
   const std::int64_t mantissa = Mantissa(value, exponent);

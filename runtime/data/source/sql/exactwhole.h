@@ -19,6 +19,9 @@ mpz_class MultipleOf(double value, int exponent);
 /// zero. REQUIRES: the result is within the range of doubles, no bit of it below 2^-1074.
 void AppendDoubles(const mpz_class& whole, int exponent, std::vector<double>& doubles);
 
+/// The double that is nearest to whole x 2^exponent, of two as near ones the even one. REQUIRES: as AppendDoubles.
+double NearestDouble(const mpz_class& whole, int exponent);
+
 /// The exponent of the lowest bit that is set in a double, such as -1 of 2.5. REQUIRES: finite, not 0.
 int LowestBit(double value);
 /// The exponent of the power of two above a double: |value| < 2^top. REQUIRES: finite.

@@ -59,6 +59,8 @@ struct ScaleSummary {
   /// The weight of all valid values, ascending: exactly as they are around the quartiles, and elsewhere gathered at the
   /// highest value of each stretch, so that the quartiles are those of all values.
   std::vector<WeightedNumber> values;
+  double lowest = 0.0;  // valid value
+  bool areWhole = false;
 };
 
 struct ScaleRequest {
@@ -66,6 +68,11 @@ struct ScaleRequest {
   ManyValuedFacts facts;
   MissingRule missing;
 };
+
+/// The weight of the valid values between each two neighbouring edges, in units of the weight; see
+/// CaseGroups::WeightsBetween. REQUIRES: as SummarizeScales.
+std::vector<mpz_class> CountBetween(SqlTable& table, const GroupQueries& queries, const ScaleRequest& request,
+                                    const std::vector<double>& edges);
 
 /// REQUIRES: the dialect has whole numbers of any length (decimalType), edgesBelow and wide sums; the weight is no
 /// pairs.

@@ -105,6 +105,7 @@ class Summarizing {
     fValues.clear();
     fScale = &scale;
     fCases = 0;
+    fLowest = std::numeric_limits<double>::infinity();
     const double infinity = std::numeric_limits<double>::infinity();
     const ManyValuedFacts& facts = scale.request->facts;
     fToFetch.clear();
@@ -115,7 +116,17 @@ class Summarizing {
           fmt::format("{}: column {}: the engine found {} valid values in one question and {} in another; "
                       "a part of the data did not answer, and no result can be trusted",
                       fTable.name(), fTable.columns()[scale.request->column.column].name, scale.cases, fCases));
+    scale.summary.lowest = fLowest;
+    scale.summary.areWhole = facts.allWhole;
     for (auto& [value, weight] : fValues) scale.summary.values.push_back({value, std::move(weight)});
+  }
+
+  std::vector<mpz_class> WeightsOfStretches(Scale& scale, const std::vector<double>& edges) {
+    fScale = &scale;
+    const double infinity = std::numeric_limits<double>::infinity();
+    std::vector<mpz_class> weights;
+    for (Stretch& stretch : AskStretches(edges, -infinity, infinity)) weights.push_back(std::move(stretch.weight));
+    return weights;
   }
 
  private:
@@ -342,6 +353,7 @@ class Summarizing {
     for (std::size_t i = 0; i < stretches.size(); ++i) {
       const Stretch& stretch = stretches[i];
       if (stretch.cases == 0) continue;
+      fLowest = std::min(fLowest, stretch.lowest);
       const double itsFrom = i == 0 ? from : edges[i - 1];
       const double itsTo = i == edges.size() ? to : edges[i];
       if (stretch.lowest == stretch.highest || !HoldsQuartile(before, stretch.weight)) {
@@ -363,6 +375,7 @@ class Summarizing {
   Scale* fScale = nullptr;
   std::map<double, mpz_class> fValues;
   std::int64_t fCases = 0;
+  double fLowest = 0.0;
   std::vector<std::pair<double, double>> fToFetch;  // stretches, from the first number to below the second
 };
 
@@ -399,6 +412,17 @@ void AskAllSums(Summarizing& summarizing, std::vector<Scale>& scales) {
 }
 
 }  // namespace
+
+std::vector<mpz_class> CountBetween(SqlTable& table, const GroupQueries& queries, const ScaleRequest& request,
+                                    const std::vector<double>& edges) {
+  Scale scale;
+  scale.request = &request;
+  std::vector<mpz_class> weights = Summarizing(table, queries).WeightsOfStretches(scale, edges);
+  // Nothing lies below the first edge; what lies at the last one belongs to the stretch before it.
+  std::vector<mpz_class> between(weights.begin() + 1, weights.end() - 1);
+  between.back() += weights.back();
+  return between;
+}
 
 std::vector<ScaleSummary> SummarizeScales(SqlTable& table, const GroupQueries& queries,
                                           const std::vector<ScaleRequest>& requests) {

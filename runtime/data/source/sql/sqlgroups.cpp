@@ -452,6 +452,9 @@ CountedGroups SqlGroups::OfSummary(const ScaleSummary& summary) const {
   counted.hasMoments = true;
   counted.valueSums = summary.valueSums;
   counted.squareSums = summary.squareSums;
+  counted.lowest = summary.lowest;
+  counted.areWhole = summary.areWhole;
+  counted.highest = summary.values.empty() ? 0.0 : summary.values.back().value;
   return counted;
 }
 
@@ -598,6 +601,19 @@ CountedGroups SqlGroups::CountAll(const CountingRequest& request) {
     if (i >= first.size() || left != 0) rows.Add(i, left);
   }
   return rows.Take({fTyped[column].column});
+}
+
+std::vector<double> SqlGroups::WeightsBetween(const CountingRequest& request, const std::vector<double>& edges) {
+  const std::lock_guard<std::mutex> lock(fAsking);
+  const auto column = static_cast<std::size_t>(request.variables.front());
+  const ScaleRequest scale{ManyValued(column), fColumns[column].facts, fMissing[column]};
+  std::vector<double> nearest;
+  for (const mpz_class& weight : CountBetween(*fTable, fQueries, scale, edges))
+    nearest.push_back(NearestDouble(weight, fQueries.weight().weighted() ? fQueries.weight().unit : 0));
+  // A sum beyond the doubles is system-missing, as all such sums are.
+  for (double& weight : nearest)
+    if (!std::isfinite(weight)) weight = std::numeric_limits<double>::quiet_NaN();
+  return nearest;
 }
 
 }  // namespace runtime::data

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -48,6 +49,7 @@ class SqlGroups : public GroupSource {
 
   std::vector<CountedGroups> Count(const std::vector<CountingRequest>& requests) override;
   CountedGroups CountAll(const CountingRequest& request) override;
+  std::vector<double> WeightsBetween(const CountingRequest& request, const std::vector<double>& edges) override;
 
  private:
   /// What is known of a column before its type is.
@@ -110,6 +112,7 @@ class SqlGroups : public GroupSource {
   std::vector<Column> fColumns;
   std::vector<TypedColumn> fTyped;
   std::vector<MissingRule> fMissing;
+  std::mutex fAsking;  // of questions that come when the cases were passed
 };
 
 }  // namespace runtime::data

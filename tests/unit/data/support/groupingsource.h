@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -47,6 +48,18 @@ class SumOfWeights {
       parts.push_back(part);
     }
     return parts;
+  }
+
+  /// The nearest double; NaN beyond the largest one.
+  double Nearest() const {
+    const std::vector<double> parts = Parts();
+    if (parts.empty()) return 0.0;
+    double second = parts.size() > 1 ? parts[1] : 0.0;
+    int unused = 0;
+    // What is behind the second part decides where that is half of the first one's last bit.
+    if (parts.size() > 2 && std::frexp(second, &unused) == 0.5) second = std::nextafter(second, 2.0 * second);
+    const double nearest = parts[0] + second;
+    return std::isfinite(nearest) ? nearest : std::numeric_limits<double>::quiet_NaN();
   }
 
  private:
@@ -103,6 +116,21 @@ class GroupingSource : public GroupSource {
   CountedGroups CountAll(const CountingRequest& request) override {
     askedForAll.push_back(request);
     return Stored(request, RowsOf(request), true);
+  }
+
+  std::vector<double> WeightsBetween(const CountingRequest& request, const std::vector<double>& edges) override {
+    const int variable = request.variables.front();
+    const MissingRule& missing = fDictionary.variables[static_cast<std::size_t>(variable)]->missing;
+    std::vector<SumOfWeights> sums(edges.size() - 1);
+    for (std::size_t i = 0; i < fWeights.size(); ++i) {
+      const double value = CellOf(variable, i).number;
+      if (std::isnan(value) || missing.holds(value)) continue;
+      const auto above = std::upper_bound(edges.begin() + 1, edges.end() - 1, value);
+      sums[static_cast<std::size_t>(above - edges.begin()) - 1].Add(fWeights[i]);
+    }
+    std::vector<double> nearest;
+    for (const SumOfWeights& sum : sums) nearest.push_back(sum.Nearest());
+    return nearest;
   }
 
   int counts = 0;
@@ -241,10 +269,14 @@ class GroupingSource : public GroupSource {
     if (record.width > 0) return;
     for (std::size_t i = 0; i < fWeights.size(); ++i) {
       const double value = CellOf(variable, i).number;
-      if (std::isnan(value) || record.missing.holds(value)) continue;
+      if (std::isnan(value) || record.missing.holds(value) || !(fWeights[i] > 0.0)) continue;
       const std::optional<double> sum = Product(fWeights[i], value);
       const std::optional<double> square = sum ? Product(*sum, value) : std::nullopt;
       if (!square) return;
+      const bool isFirst = counted.valueSums.empty();
+      counted.lowest = isFirst ? value : std::min(counted.lowest, value);
+      counted.highest = isFirst ? value : std::max(counted.highest, value);
+      counted.areWhole = (isFirst || counted.areWhole) && std::floor(value) == value;
       counted.valueSums.push_back(*sum);
       counted.squareSums.push_back(*square);
     }
