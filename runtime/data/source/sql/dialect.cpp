@@ -69,7 +69,7 @@ SqlDialect ClickHouse() {
   dialect.doubleType = "Nullable(Float64)";
   dialect.wholeType = "Nullable(Int64)";
   dialect.byteLength = "length({})";
-  dialect.withoutBlanks = "trimRight({})";
+  dialect.withoutBlanks = "replaceRegexpOne({}, ' +$', '')";
   return dialect;
 }
 

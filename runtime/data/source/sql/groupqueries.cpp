@@ -103,8 +103,17 @@ std::string GroupQueries::Groups(const SqlPlace& place, std::size_t column, std:
   const std::string arms = Summary(place, Key(column) + " AS c" + WeightWithin(),
                                    fmt::format("c AS v, {} AS n{}{}", fDialect.countRows, WeightGroup(), WeightSums()),
                                    " GROUP BY c" + WeightGroup());
-  const std::string list =
-      fmt::format("{}, n{}", fDialect.CastToText("v", fTable.columns()[column].type), WeightAnswer());
+  const std::string text = fDialect.CastToText("v", fTable.columns()[column].type);
+  if (place.arms.size() > 1) {
+    // What the arms have in common is added up before it is sent here.
+    std::string sums = ", SUM(n)";
+    if (fWeight.form == SqlWeight::Form::Pairs) sums += WeightAnswer();
+    if (fWeight.form == SqlWeight::Form::Pieces)
+      for (int i = 0; i < fWeight.pieces.count; ++i) sums += fmt::format(", SUM(p{})", i);
+    const std::string merged = fmt::format("FROM ({}) g GROUP BY v{}", arms, WeightGroup());
+    return most ? fDialect.FirstRowsOf(text + sums, merged, *most) : fmt::format("SELECT {}{} {}", text, sums, merged);
+  }
+  const std::string list = fmt::format("{}, n{}", text, WeightAnswer());
   const std::string rest = fmt::format("FROM ({}) g", arms);
   return most ? fDialect.FirstRowsOf(list, rest, *most) : fmt::format("SELECT {} {}", list, rest);
 }

@@ -24,8 +24,8 @@ constexpr std::size_t kColumnsAtOnce = 20;
 constexpr int kBitsOfProducts = 31;  // a product of two pieces has 62 bits
 constexpr int kBitsOfDecimals = 52;
 constexpr int kBitsBelowSample = 20;  // all rows may hold smaller numbers than the first ones
-constexpr std::size_t kEdgesOfSample = 120;
-constexpr int kEqualSteps = 100;
+constexpr std::size_t kEdgesOfSample = 500;
+constexpr int kEqualSteps = 400;
 constexpr std::uint64_t kStepsOfOrder = 32;
 constexpr std::int64_t kFetchedAtMost = 100'000;  // cases of a stretch whose values are fetched
 constexpr std::int64_t kRowsOfSample = 5000;
@@ -44,7 +44,11 @@ struct Scale {
 class Summarizing {
  public:
   Summarizing(SqlTable& table, const GroupQueries& queries)
-      : fTable(table), fQueries(queries), fDialect(table.dialect()), fWeighted(queries.weight().weighted()) {}
+      : fTable(table),
+        fQueries(queries),
+        fDialect(table.dialect()),
+        fWeighted(queries.weight().weighted()),
+        fByWeight(fWeighted && queries.weight().hasFewValues) {}
 
   void PlanSums(Scale& scale, int bitsBelow) const {
     const ManyValuedFacts& facts = scale.request->facts;
@@ -56,7 +60,7 @@ class Summarizing {
         if (number != 0.0) lowest = std::min(lowest, LowestBit(number));
       lowest -= bitsBelow;
     }
-    scale.plan = PlanPieces(std::max(top, 1), lowest, fWeighted ? kBitsOfDecimals : kBitsOfProducts);
+    scale.plan = PlanPieces(std::max(top, 1), lowest, fWeighted && !fByWeight ? kBitsOfDecimals : kBitsOfProducts);
   }
 
   void AskSums(const std::vector<Scale*>& scales) {
@@ -72,11 +76,22 @@ class Summarizing {
       levels.numbers.push_back(fmt::format("{} AS v{}", ValidNumber(*scales[i]->request), i));
       AddSumsOf(*scales[i], i, levels);
     }
-    if (fWeighted) levels.pieces.push_back(Decimal("w", fQueries.weight().pieces) + " AS wn");
+    if (fByWeight) {
+      levels.pieces.push_back("w");
+      for (int i = 0; i < fQueries.weight().pieces.count; ++i)
+        levels.sums.push_back(PieceExpression(fDialect, "w", fQueries.weight().pieces, i));
+    } else if (fWeighted) {
+      levels.pieces.push_back(Decimal("w", fQueries.weight().pieces) + " AS wn");
+    }
     fTable.Ask([&](const SqlPlace& place) { return LevelsOver(place, levels); },
                [&](SqlRows& rows) {
+                 // Behind the sums stands the weight of the group.
+                 const std::size_t columns = levels.sums.size();
+                 const auto pieces = static_cast<std::size_t>(fByWeight ? fQueries.weight().pieces.count : 0);
+                 const mpz_class weight =
+                     fByWeight ? fQueries.weight().WeightOf(rows, columns - pieces, 1) : mpz_class(1);
                  std::size_t at = 0;
-                 for (Scale* scale : scales) TakeSums(*scale, rows, at);
+                 for (Scale* scale : scales) TakeSums(*scale, rows, at, weight);
                });
   }
 
@@ -84,19 +99,18 @@ class Summarizing {
   void FinishSums(Scale& scale) const {
     const PiecePlan& plan = *scale.plan;
     ScaleSummary& summary = scale.summary;
-    if (fWeighted) {
-      const int unit = fQueries.weight().unit;
+    const int unit = fWeighted ? fQueries.weight().unit : 0;
+    if (fWeighted && !fByWeight) {
       AppendDoubles(scale.valueSums[0], unit + plan.lowestExponent(), summary.valueSums);
       AppendDoubles(scale.squareSums[0], unit + 2 * plan.lowestExponent(), summary.squareSums);
       return;
     }
-    summary.valid = static_cast<long>(scale.cases);
     std::size_t pair = 0;
     for (int i = 0; i < plan.count; ++i) {
-      AppendDoubles(scale.valueSums[static_cast<std::size_t>(i)], plan.exponent(i), summary.valueSums);
+      AppendDoubles(scale.valueSums[static_cast<std::size_t>(i)], unit + plan.exponent(i), summary.valueSums);
       for (int j = i; j < plan.count; ++j, ++pair)
         AppendDoubles(i == j ? scale.squareSums[pair] : mpz_class(scale.squareSums[pair] * 2),
-                      plan.exponent(i) + plan.exponent(j), summary.squareSums);
+                      unit + plan.exponent(i) + plan.exponent(j), summary.squareSums);
     }
   }
 
@@ -157,9 +171,9 @@ class Summarizing {
   std::string LevelsOver(const SqlPlace& place, const Levels& levels) const {
     const char* const fence = fTable.Fence(place);
     return SqlTable::OverArms(place, [&](const std::string& arm) {
-      return fmt::format("SELECT {} FROM (SELECT {} FROM (SELECT {}{} FROM {}{}) s{}) t", fmt::join(levels.sums, ", "),
-                         fmt::join(levels.pieces, ", "), fmt::join(levels.numbers, ", "), fQueries.WeightWithin(), arm,
-                         fence, fence);
+      return fmt::format("SELECT {} FROM (SELECT {} FROM (SELECT {}{} FROM {}{}) s{}) t{}",
+                         fmt::join(levels.sums, ", "), fmt::join(levels.pieces, ", "), fmt::join(levels.numbers, ", "),
+                         fQueries.WeightWithin(), arm, fence, fence, fByWeight ? " GROUP BY w" : "");
     });
   }
 
@@ -170,7 +184,7 @@ class Summarizing {
     levels.pieces.push_back(fmt::format("CASE WHEN {} THEN 1 ELSE 0 END AS h{}", HasBitsBelow(fDialect, v, plan), i));
     levels.sums.push_back(fmt::format("COUNT({})", v));
     levels.sums.push_back(fmt::format("SUM(h{})", i));
-    if (fWeighted) {
+    if (fWeighted && !fByWeight) {
       levels.pieces.push_back(fmt::format("{} AS x{}", Decimal(v, plan), i));
       levels.sums.push_back(fmt::format("SUM(CASE WHEN {} IS NOT NULL THEN wn END)", v));
       levels.sums.push_back(fmt::format("SUM(wn * x{})", i));
@@ -186,23 +200,27 @@ class Summarizing {
         levels.sums.push_back(fmt::format("SUM(x{0}_{1} * x{0}_{2})", i, one, other));
   }
 
-  static void AddTo(std::vector<mpz_class>& sums, std::size_t i, SqlRows& rows, std::size_t column) {
+  static void AddTo(std::vector<mpz_class>& sums, std::size_t i, SqlRows& rows, std::size_t column,
+                    const mpz_class& weight) {
     if (sums.size() <= i) sums.resize(i + 1);
-    if (const std::optional<std::string_view> text = rows.Text(column)) sums[i] += WholeOfText(*text);
+    if (const std::optional<std::string_view> text = rows.Text(column)) sums[i] += weight * WholeOfText(*text);
   }
 
-  void TakeSums(Scale& scale, SqlRows& rows, std::size_t& at) const {
-    scale.cases += WholeCell(rows, at++);
+  /// `weight`: of each case of the row's group, where the groups are those of the weight.
+  void TakeSums(Scale& scale, SqlRows& rows, std::size_t& at, const mpz_class& weight) const {
+    const std::int64_t cases = WholeCell(rows, at++);
+    scale.cases += cases;
     scale.hasBitsBelow = WholeCell(rows, at++) > 0 || scale.hasBitsBelow;
-    if (fWeighted) {
+    if (fWeighted && !fByWeight) {
       if (const std::optional<std::string_view> text = rows.Text(at++)) scale.summary.valid += WholeOfText(*text);
-      AddTo(scale.valueSums, 0, rows, at++);
-      AddTo(scale.squareSums, 0, rows, at++);
+      AddTo(scale.valueSums, 0, rows, at++, weight);
+      AddTo(scale.squareSums, 0, rows, at++, weight);
       return;
     }
+    scale.summary.valid += weight * static_cast<long>(cases);
     const auto count = static_cast<std::size_t>(scale.plan->count);
-    for (std::size_t i = 0; i < count; ++i) AddTo(scale.valueSums, i, rows, at++);
-    for (std::size_t i = 0; i < count * (count + 1) / 2; ++i) AddTo(scale.squareSums, i, rows, at++);
+    for (std::size_t i = 0; i < count; ++i) AddTo(scale.valueSums, i, rows, at++, weight);
+    for (std::size_t i = 0; i < count * (count + 1) / 2; ++i) AddTo(scale.squareSums, i, rows, at++, weight);
   }
 
   /// Edges above the lowest value, of three kinds: between equal shares of a sample, which fit its shape; in equal
@@ -372,6 +390,7 @@ class Summarizing {
   const GroupQueries& fQueries;
   const SqlDialect& fDialect;
   bool fWeighted;
+  bool fByWeight;  // the weight has few values: sums are formed for each of them, and weighted here
   Scale* fScale = nullptr;
   std::map<double, mpz_class> fValues;
   std::int64_t fCases = 0;

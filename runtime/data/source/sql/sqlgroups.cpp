@@ -27,6 +27,8 @@ constexpr std::int64_t kFirstCells = 500'000;  // of all columns
 constexpr std::int64_t kMostGroups = 50'000;
 constexpr std::int64_t kRowsOfGroup = 30;
 constexpr std::int64_t kMostGroupsOfAny = 2'000'000;
+constexpr std::size_t kMostWeightGroups = 20'000;
+constexpr double kMostJointGroups = 4000.0;
 constexpr std::size_t kColumnsTogether = 30;  // grouped in one scan
 
 bool IsText(SqlType type) { return type == SqlType::Text || type == SqlType::FixedText; }
@@ -44,6 +46,17 @@ double LikelyValues(std::size_t distinct, std::size_t rows) {
   if (distinct >= rows) return std::numeric_limits<double>::infinity();
   const auto drawn = static_cast<double>(rows);
   return drawn * drawn / (2.0 * static_cast<double>(rows - distinct));
+}
+
+bool IsZero(std::string_view text) { return text.find_first_not_of("-0.") == std::string_view::npos; }
+
+/// The group of a cell. Of 0 and -0, which are equal, the database writes now one and now the other.
+std::optional<std::size_t> FindGroup(const RawGroups& groups, std::optional<std::string_view> text) {
+  const std::optional<std::size_t> found = groups.Find(text);
+  if (found || !text) return found;
+  for (const std::string_view zero : {"0", "-0", "0.0", "-0.0"})
+    if (const std::optional<std::size_t> other = groups.Find(zero); other && IsZero(*text)) return other;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -135,13 +148,9 @@ void SqlGroups::Read(const std::optional<WeightColumn>& weight) {
   GroupFirstRows();
 
   std::size_t done = 0;
-  const std::vector<std::size_t> together = ChooseColumnsToGroup();
-  const bool inOneScan = fTable->dialect().hasGroupingSets && !fTable->hasArms();
-  const std::size_t atOnce = inOneScan ? kColumnsTogether : 1;
-  for (std::size_t first = 0; first < together.size(); first += atOnce) {
-    GroupTogether({together.begin() + static_cast<std::ptrdiff_t>(first),
-                   together.begin() + static_cast<std::ptrdiff_t>(std::min(together.size(), first + atOnce))});
-    Tell(done += atOnce);
+  for (const std::vector<std::size_t>& columns : Scans(ChooseColumnsToGroup())) {
+    GroupTogether(columns);
+    Tell(done += columns.size());
   }
   std::vector<std::size_t> ungrouped;
   for (std::size_t column = 0; column < fColumns.size(); ++column)
@@ -166,9 +175,9 @@ bool SqlGroups::PlanPiecesOfWeight(const WeightColumn& weight) {
   planned.form = SqlWeight::Form::Pieces;
   planned.column = weight.column;
   planned.number = ValidWeightExpression(dialect, fQueries.Number(weight.column), weight.missing);
-  constexpr int kBits = 52;
+  constexpr int kBits = 62;
   const int bitsOfSum = 62 - TopBit(static_cast<double>(fRows));
-  const int bits = dialect.sumsAreWide ? kBits : std::min(kBits, bitsOfSum);
+  const int bits = dialect.sumsAreWide ? kBits : std::min(52, bitsOfSum);
 
   int top = 1;
   int lowest = 0;
@@ -180,6 +189,7 @@ bool SqlGroups::PlanPiecesOfWeight(const WeightColumn& weight) {
   };
   if (Group(weight.column, MostGroups())) {
     const RawGroups& groups = fColumns[weight.column].groups;
+    planned.hasFewValues = groups.size() <= kMostWeightGroups;
     for (std::size_t i = 0; i < groups.size(); ++i)
       if (!groups.isNull(i)) include(NumberOfCell(itself(weight.column).type, groups.text(i)));
     fColumns[weight.column].isComplete = false;  // to be grouped once more, with its weight
@@ -289,7 +299,11 @@ std::vector<std::size_t> SqlGroups::ChooseColumnsToGroup() {
       Complete(column);
       continue;
     }
-    if (LikelyValues(distinct, sampled) <= 2.0 * static_cast<double>(MostGroups())) Group(column, MostGroups());
+    // NULL, which may fill most of a column, is no value met again.
+    const std::optional<std::size_t> null = fColumns[column].first.Find(std::nullopt);
+    const std::size_t nulls = null ? static_cast<std::size_t>(fColumns[column].first.cases(*null)) : 0;
+    if (LikelyValues(distinct - (null ? 1 : 0), sampled - nulls) <= 2.0 * static_cast<double>(MostGroups()))
+      Group(column, MostGroups());
   }
   return together;
 }
@@ -301,6 +315,35 @@ void SqlGroups::TakeRow(RawGroups& groups, SqlRows& rows, std::size_t at) const 
   if (groups.weighted()) groups.AddWeight(group, fQueries.weight().WeightOf(rows, at + 2, static_cast<long>(cases)));
 }
 
+/// Which columns are grouped in one scan: columns of few values together, as long as the groups of all together stay
+/// few; their sums are those of each column. Counting so costs a scan and one look-up a row, for all of them, and it is
+/// done in parallel and on other servers like any grouping.
+std::vector<std::vector<std::size_t>> SqlGroups::Scans(std::vector<std::size_t> columns) const {
+  const auto valuesOf = [&](std::size_t column) { return static_cast<double>(fColumns[column].first.size() + 1); };
+  std::vector<std::vector<std::size_t>> scans;
+  if (fFirstRows.empty()) {  // a small table
+    const bool inOneScan = fTable->dialect().hasGroupingSets && !fTable->hasArms();
+    const std::size_t atOnce = inOneScan ? kColumnsTogether : 1;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      if (i % atOnce == 0) scans.emplace_back();
+      scans.back().push_back(columns[i]);
+    }
+    return scans;
+  }
+  std::stable_sort(columns.begin(), columns.end(),
+                   [&](std::size_t a, std::size_t b) { return valuesOf(a) < valuesOf(b); });
+  double groups = 0.0;
+  for (const std::size_t column : columns) {
+    if (scans.empty() || groups * valuesOf(column) > kMostJointGroups || scans.back().size() == kColumnsTogether) {
+      scans.emplace_back();
+      groups = 1.0;
+    }
+    scans.back().push_back(column);
+    groups *= valuesOf(column);
+  }
+  return scans;
+}
+
 void SqlGroups::GroupTogether(const std::vector<std::size_t>& columns) {
   if (columns.size() == 1) {
     const bool mayStay = MayStayUngrouped(columns.front());
@@ -308,33 +351,44 @@ void SqlGroups::GroupTogether(const std::vector<std::size_t>& columns) {
     return;
   }
   for (const std::size_t column : columns) fColumns[column].groups = RawGroups(fQueries.weight().weighted());
-  fTable->Ask([&](const SqlPlace& place) { return fQueries.GroupingSets(place, columns); },
-              [&](SqlRows& rows) {
-                const auto which = static_cast<std::size_t>(WholeCell(rows, 0));
-                TakeRow(fColumns[columns.at(which)].groups, rows, 1);
-              });
+  if (fFirstRows.empty())
+    fTable->Ask([&](const SqlPlace& place) { return fQueries.GroupingSets(place, columns); },
+                [&](SqlRows& rows) {
+                  const auto which = static_cast<std::size_t>(WholeCell(rows, 0));
+                  TakeRow(fColumns[columns.at(which)].groups, rows, 1);
+                });
+  else
+    fTable->Ask([&](const SqlPlace& place) { return fQueries.JointGroups(place, columns); },
+                [&](SqlRows& rows) { TakeJointRow(columns, rows); });
   for (const std::size_t column : columns) {
     CheckSum(column);
     fColumns[column].isComplete = true;
   }
 }
 
+void SqlGroups::TakeJointRow(const std::vector<std::size_t>& columns, SqlRows& rows) {
+  const std::int64_t cases = WholeCell(rows, columns.size());
+  const mpz_class weight = fQueries.weight().WeightOf(rows, columns.size() + 1, static_cast<long>(cases));
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    RawGroups& groups = fColumns[columns[i]].groups;
+    const std::size_t group = groups.Enter(rows.Text(i));
+    groups.AddCases(group, cases);
+    if (groups.weighted()) groups.AddWeight(group, weight);
+  }
+}
+
 bool SqlGroups::Group(std::size_t column, std::optional<std::int64_t> most) {
   RawGroups groups(fQueries.weight().weighted());
   std::int64_t answers = 0;
-  // Each arm may give every group once.
-  const auto limitOf = [&](const SqlPlace& place) {
-    return most ? std::optional<std::int64_t>((*most + 1) * static_cast<std::int64_t>(place.arms.size()))
-                : std::nullopt;
-  };
-  fTable->Ask([&](const SqlPlace& place) { return fQueries.Groups(place, column, limitOf(place)); },
+  const std::optional<std::int64_t> limit = most ? std::optional<std::int64_t>(*most + 1) : std::nullopt;
+  fTable->Ask([&](const SqlPlace& place) { return fQueries.Groups(place, column, limit); },
               [&](SqlRows& rows) {
                 ++answers;
                 TakeRow(groups, rows, 0);
               },
               most ? AnswerLength::Short : AnswerLength::Long);
-  // Of several places it is not known which one gave how many: then all together must stay below the limit of one.
-  if (most && answers >= (fTable->places().size() == 1 ? *limitOf(fTable->first()) : *most + 1)) return false;
+  // Of several places it is not known which one gave how many: all together must stay below the limit of one.
+  if (limit && answers >= *limit) return false;
   fColumns[column].groups = std::move(groups);
   CheckSum(column);
   fColumns[column].isComplete = true;
@@ -509,7 +563,7 @@ CountedGroups SqlGroups::Joint(const std::vector<int>& variables) {
   fTable->Ask([&](const SqlPlace& place) { return fQueries.JointGroups(place, columns); },
               [&](SqlRows& rows) {
                 for (std::size_t i = 0; i < columns.size(); ++i) {
-                  const std::optional<std::size_t> group = fColumns[columns[i]].groups.Find(rows.Text(i));
+                  const std::optional<std::size_t> group = FindGroup(fColumns[columns[i]].groups, rows.Text(i));
                   if (!group)
                     throw DataError(
                         fmt::format("{}: column {}: the database gave a value that it had not before; the "

@@ -78,6 +78,8 @@ class SqlGroups : public GroupSource {
   /// Whether the column need not be grouped as a whole.
   bool MayStayUngrouped(std::size_t column) const;
   std::vector<std::size_t> ChooseColumnsToGroup();
+  std::vector<std::vector<std::size_t>> Scans(std::vector<std::size_t> columns) const;
+  void TakeJointRow(const std::vector<std::size_t>& columns, SqlRows& rows);
   void GroupTogether(const std::vector<std::size_t>& columns);
   /// False when there are more groups than the limit; then the column stays as it was.
   bool Group(std::size_t column, std::optional<std::int64_t> most);

@@ -29,6 +29,7 @@ struct SqlWeight {
   std::size_t column = 0;  // of the weight
   std::string number;      // Pieces: the weight as an expression of doubles, 0 where it does not count
   PiecePlan pieces;
+  bool hasFewValues = false;                          // Pieces: so few that they make groups
   int unit = 0;                                       // weights are multiples of 2^unit
   std::unordered_map<std::string, mpz_class> ofText;  // Pairs: the weight of a cell, in units; absent: 0
 
