@@ -78,18 +78,14 @@ class Summarizing {
     }
     if (fByWeight) {
       levels.pieces.push_back("w");
-      for (int i = 0; i < fQueries.weight().pieces.count; ++i)
-        levels.sums.push_back(PieceExpression(fDialect, "w", fQueries.weight().pieces, i));
     } else if (fWeighted) {
       levels.pieces.push_back(Decimal("w", fQueries.weight().pieces) + " AS wn");
     }
     fTable.Ask([&](const SqlPlace& place) { return LevelsOver(place, levels); },
                [&](SqlRows& rows) {
                  // Behind the sums stands the weight of the group.
-                 const std::size_t columns = levels.sums.size();
-                 const auto pieces = static_cast<std::size_t>(fByWeight ? fQueries.weight().pieces.count : 0);
                  const mpz_class weight =
-                     fByWeight ? fQueries.weight().WeightOf(rows, columns - pieces, 1) : mpz_class(1);
+                     fByWeight ? fQueries.weight().WeightOf(rows, levels.sums.size(), 1) : mpz_class(1);
                  std::size_t at = 0;
                  for (Scale* scale : scales) TakeSums(*scale, rows, at, weight);
                });
@@ -170,11 +166,24 @@ class Summarizing {
 
   std::string LevelsOver(const SqlPlace& place, const Levels& levels) const {
     const char* const fence = fTable.Fence(place);
-    return SqlTable::OverArms(place, [&](const std::string& arm) {
-      return fmt::format("SELECT {} FROM (SELECT {} FROM (SELECT {}{} FROM {}{}) s{}) t{}",
-                         fmt::join(levels.sums, ", "), fmt::join(levels.pieces, ", "), fmt::join(levels.numbers, ", "),
-                         fQueries.WeightWithin(), arm, fence, fence, fByWeight ? " GROUP BY w" : "");
-    });
+    const auto over = [&](const std::string& sums, const char* behind) {
+      return SqlTable::OverArms(place, [&](const std::string& arm) {
+        return fmt::format("SELECT {} FROM (SELECT {} FROM (SELECT {}{} FROM {}{}) s{}) t{}", sums,
+                           fmt::join(levels.pieces, ", "), fmt::join(levels.numbers, ", "), fQueries.WeightWithin(),
+                           arm, fence, fence, behind);
+      });
+    };
+    if (!fByWeight) return over(fmt::format("{}", fmt::join(levels.sums, ", ")), "");
+    // An arm gives nothing but its sums and the weight; what is made of the weight is made behind all of them.
+    std::string within;
+    std::string answer;
+    for (std::size_t i = 0; i < levels.sums.size(); ++i) {
+      within += fmt::format("{} AS s{}, ", levels.sums[i], i);
+      answer += fmt::format("s{}, ", i);
+    }
+    for (int i = 0; i < fQueries.weight().pieces.count; ++i)
+      answer += (i > 0 ? ", " : "") + PieceExpression(fDialect, "w", fQueries.weight().pieces, i);
+    return fmt::format("SELECT {} FROM ({}) g", answer, over(within + "w", " GROUP BY w"));
   }
 
   void AddSumsOf(const Scale& scale, std::size_t i, Levels& levels) const {
