@@ -85,7 +85,7 @@ class OdbcConnection : public SqlConnection {
 
   std::vector<SqlColumn> ColumnsOf(const std::string& relation) override {
     std::vector<SqlColumn> columns = Describe(relation);
-    CheckColumnNames(columns, fName);
+    CheckColumnNames(columns, fName, relation);
     const auto table = fTables.find(relation);
     if (table == fTables.end()) return columns;
     const std::vector<std::string> comments = Comments(table->second);

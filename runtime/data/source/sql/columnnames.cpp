@@ -11,8 +11,9 @@
 
 namespace runtime::data {
 
-void CheckColumnNames(const std::vector<SqlColumn>& columns, const std::string& source) {
-  if (columns.empty()) throw DataError(fmt::format("{}: the table or query has no columns", source));
+void CheckColumnNames(const std::vector<SqlColumn>& columns, const std::string& source, const std::string& relation) {
+  if (columns.empty())
+    throw DataError(fmt::format("{}: {} has no columns; there is nothing to describe", source, relation));
   std::unordered_map<std::string_view, std::size_t> places;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const std::string& name = columns[i].name;

@@ -26,7 +26,7 @@ constexpr std::int64_t kFirstCells = 500'000;  // of all columns
 // Of a column that is fetched as it is: so many, or one a number of rows, which is little beside fetching the rows.
 constexpr std::int64_t kMostGroups = 50'000;
 constexpr std::int64_t kRowsOfGroup = 30;
-constexpr std::int64_t kMostGroupsOfAny = 2'000'000;
+constexpr std::int64_t kMostGroupsOfAny = 500'000;
 constexpr std::size_t kMostWeightGroups = 20'000;
 constexpr double kMostJointGroups = 4000.0;
 constexpr std::size_t kColumnsTogether = 30;  // grouped in one scan

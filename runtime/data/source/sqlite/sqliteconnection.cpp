@@ -99,7 +99,7 @@ class SqliteConnection : public SqlConnection {
     const SqliteScan scan =
         ScanSqlite(fFile, "SELECT * FROM " + relation, std::numeric_limits<std::int64_t>::max() - 1);
     for (const SqliteColumnKinds& kinds : scan.columns) columns.push_back(ColumnOf(kinds));
-    CheckColumnNames(columns, fName);
+    CheckColumnNames(columns, fName, relation);
     return columns;
   }
 
@@ -127,7 +127,7 @@ class SqliteConnection : public SqlConnection {
     const SqliteQuery query(fFile, relation.substr(1, end - 1));
     std::vector<SqlColumn> columns(static_cast<std::size_t>(query.columns()));
     for (std::size_t i = 0; i < columns.size(); ++i) columns[i].name = LowerAscii(query.Name(static_cast<int>(i)));
-    CheckColumnNames(columns, fName);
+    CheckColumnNames(columns, fName, relation);
   }
 
   SqliteFile fFile;
