@@ -11,7 +11,7 @@ import unittest
 
 import loading
 from postgres import COORDINATOR, DATABASE, DRIVER, GUARDED, OWNER, PASSWORD, READER, PostgresServers, programs, require_driver
-from serverprocess import SKIPPED, NotInstalled, free_port
+from serverprocess import free_port, skipped_where_missing
 
 sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, "program"))
 
@@ -494,10 +494,7 @@ class Files(ProgramTest):
 
 
 if __name__ == "__main__":
-    try:
+    with skipped_where_missing():
         programs()
         require_driver()
-    except NotInstalled as reason:
-        print(f"skipped: {reason}")
-        sys.exit(SKIPPED)
     unittest.main()

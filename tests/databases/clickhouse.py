@@ -11,12 +11,10 @@ Exit status: the command's; 77 where ClickHouse is not installed."""
 import argparse
 import os
 import shutil
-import subprocess
-import sys
 import urllib.error
 import urllib.request
 
-from serverprocess import SKIPPED, NotInstalled, ServerError, ServerFolder, ServerProcess, end_on_signals, free_port
+from serverprocess import NotInstalled, ServerError, ServerFolder, ServerProcess, free_port, run_beside, skipped_where_missing
 
 SECONDS_A_QUERY = 60
 
@@ -126,15 +124,8 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("command", nargs="+", help="what to run beside it, behind --")
     arguments = parser.parse_args()
-    end_on_signals()
-    try:
-        with ClickHouseServer() as server:
-            sys.exit(subprocess.run(arguments.command, env={**os.environ, **server.environment()}, check=False).returncode)
-    except NotInstalled as reason:
-        print(f"skipped: {reason}")
-        sys.exit(SKIPPED)
-    except ServerError as error:
-        sys.exit(f"clickhouse.py: {error}")
+    with skipped_where_missing():
+        run_beside(ClickHouseServer(), arguments.command)
 
 
 if __name__ == "__main__":

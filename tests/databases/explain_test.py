@@ -9,7 +9,7 @@ import unittest
 import loading
 import plans
 from postgres import programs, require_driver
-from serverprocess import SKIPPED, NotInstalled
+from serverprocess import skipped_where_missing
 
 sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, "program"))
 
@@ -109,10 +109,7 @@ class Pushdown(ProgramTest):
 
 
 if __name__ == "__main__":
-    try:
+    with skipped_where_missing():
         programs()
         require_driver()
-    except NotInstalled as reason:
-        print(f"skipped: {reason}")
-        sys.exit(SKIPPED)
     unittest.main()

@@ -12,7 +12,7 @@ import clickhouse
 import loading
 from largetables import LargeTable
 from postgres import programs, require_driver
-from serverprocess import SKIPPED, NotInstalled
+from serverprocess import skipped_where_missing
 
 sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, "program"))
 
@@ -73,13 +73,10 @@ def first_difference(expected, got):
 
 
 if __name__ == "__main__":
-    try:
+    with skipped_where_missing():
         if KINDS != [loading.CLICKHOUSE]:
             programs()
             require_driver()
         else:
             clickhouse.program()
-    except NotInstalled as reason:
-        print(f"skipped: {reason}")
-        sys.exit(SKIPPED)
     unittest.main()

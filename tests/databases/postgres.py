@@ -17,9 +17,8 @@ import re
 import shutil
 import signal
 import subprocess
-import sys
 
-from serverprocess import SKIPPED, NotInstalled, ServerError, ServerFolder, ServerProcess, end_on_signals, free_port
+from serverprocess import NotInstalled, ServerError, ServerFolder, ServerProcess, free_port, run_beside, skipped_where_missing
 
 DATABASE = "postgres"  # the one that is there, in UTF-8 and compared by bytes
 OWNER = "codebook_owner"  # of the tables; may do everything
@@ -235,16 +234,9 @@ def main():
     parser.add_argument("--workers", type=int, default=0, help="servers that the first one reaches as foreign ones")
     parser.add_argument("command", nargs="+", help="what to run beside them, behind --")
     arguments = parser.parse_args()
-    end_on_signals()
-    try:
+    with skipped_where_missing():
         require_driver()
-        with PostgresServers(arguments.workers) as servers:
-            sys.exit(subprocess.run(arguments.command, env={**os.environ, **servers.environment()}, check=False).returncode)
-    except NotInstalled as reason:
-        print(f"skipped: {reason}")
-        sys.exit(SKIPPED)
-    except ServerError as error:
-        sys.exit(f"postgres.py: {error}")
+        run_beside(PostgresServers(arguments.workers), arguments.command)
 
 
 if __name__ == "__main__":

@@ -1,11 +1,13 @@
 """A database server as a child of the test: in a folder of its own, on 127.0.0.1 alone, gone when the test is gone."""
 
+import contextlib
 import os
 import pwd
 import shutil
 import signal
 import socket
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -126,6 +128,26 @@ def free_port():
     with socket.socket() as probe:
         probe.bind(("127.0.0.1", 0))
         return probe.getsockname()[1]
+
+
+@contextlib.contextmanager
+def skipped_where_missing():
+    """Ends the program as a skipped test, with the reason, where a server that is asked for inside is not installed."""
+    try:
+        yield
+    except NotInstalled as reason:
+        print(f"skipped: {reason}")
+        sys.exit(SKIPPED)
+
+
+def run_beside(servers, command):
+    """Runs the command while the servers are up, with their environment, and ends with its status."""
+    end_on_signals()
+    try:
+        with servers:
+            sys.exit(subprocess.run(command, env={**os.environ, **servers.environment()}, check=False).returncode)
+    except ServerError as error:
+        sys.exit(f"{os.path.basename(sys.argv[0])}: {error}")
 
 
 def end_on_signals():

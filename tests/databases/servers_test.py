@@ -13,7 +13,7 @@ import loading
 from clickhouse import ClickHouseServer
 from clickhouse import program as clickhouse_program
 from postgres import COORDINATOR, DATABASE, GUARDED, PASSWORD, READER, PostgresServers, programs, require_driver
-from serverprocess import SKIPPED, NotInstalled, ServerError
+from serverprocess import NotInstalled, ServerError, skipped_where_missing
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 SECONDS_TO_END = 20
@@ -177,10 +177,7 @@ class ClickHouse(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    try:
+    with skipped_where_missing():
         programs()
         require_driver()
-    except NotInstalled as reason:
-        print(f"skipped: {reason}")
-        sys.exit(SKIPPED)
     unittest.main()

@@ -21,7 +21,7 @@ sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pard
 
 from casefile import CaseError, find_cases
 from reportdump import as_text, dump_report
-from serverprocess import SKIPPED, NotInstalled
+from serverprocess import skipped_where_missing
 from sources import DICTIONARY, Files, Tables
 
 THREADS = ("1", "2")
@@ -127,7 +127,7 @@ def main():
 
     try:
         cases = find_cases(arguments.cases, arguments.case)
-        with contextlib.ExitStack() as stack:
+        with skipped_where_missing(), contextlib.ExitStack() as stack:
             if arguments.databases:
                 sources = stack.enter_context(Tables(arguments.databases.split(","), cases))
             else:
@@ -138,9 +138,6 @@ def main():
             results = list(pool.map(lambda case: compare(runner, case, arguments.update), cases))
     except CaseError as error:
         sys.exit(f"run.py: {error}")
-    except NotInstalled as reason:
-        print(f"skipped: {reason}")
-        sys.exit(SKIPPED)
     for faults, updated in results:
         print(faults + ("  written to the case file\n" if updated else ""), end="")
     failed = sum(bool(faults) for faults, _ in results)

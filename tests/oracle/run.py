@@ -26,7 +26,7 @@ import loading
 from dictionary import read_dataset
 from generate import make_case
 from oracle import CHECK_FAILED, report_for
-from serverprocess import SKIPPED, NotInstalled
+from serverprocess import skipped_where_missing
 from showing import ANY_TEXT
 
 SECONDS_A_CASE = 60
@@ -207,8 +207,5 @@ def main():
 
 
 if __name__ == "__main__":
-    try:
+    with skipped_where_missing():
         sys.exit(main())
-    except NotInstalled as reason:
-        print(f"skipped: {reason}")
-        sys.exit(SKIPPED)
