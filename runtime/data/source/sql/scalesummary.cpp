@@ -77,7 +77,7 @@ class Summarizing {
       AddSumsOf(*scales[i], i, levels);
     }
     if (fByWeight) {
-      levels.pieces.push_back("w");
+      levels.pieces.emplace_back("w");
     } else if (fWeighted) {
       levels.pieces.push_back(Decimal("w", fQueries.weight().pieces) + " AS wn");
     }
@@ -141,7 +141,7 @@ class Summarizing {
 
  private:
   std::string ValidNumber(const ScaleRequest& request) const {
-    const std::string number = fQueries.Number(request.column.column);
+    std::string number = fQueries.Number(request.column.column);
     if (request.facts.allFinite && request.missing.empty()) return number;
     return fmt::format("CASE WHEN {} THEN {} END", ValidCondition(fDialect, number, request.missing), number);
   }
@@ -387,7 +387,7 @@ class Summarizing {
         fValues[stretch.highest + 0.0] += stretch.weight;
         fCases += stretch.cases;
       } else if (stretch.cases <= kFetchedAtMost) {
-        fToFetch.push_back({itsFrom, itsTo});
+        fToFetch.emplace_back(itsFrom, itsTo);
       } else {
         CutStretch(EdgesOf(SampleOf(itsFrom, itsTo), stretch.lowest, stretch.highest), itsFrom, itsTo, before);
       }
