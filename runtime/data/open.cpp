@@ -106,6 +106,11 @@ OpenedDataset OpenDataset(const OpenOptions& options) {
     database = OpenSqlTable(options);
     if (options.countInDatabase && CanCount(*database)) return OpenInDatabase(options, database);
   }
+  for (const std::string& path : options.furtherPaths)
+    if (!database && IsSqlAddress(path))
+      throw DataError(
+          fmt::format("{}: this is a database, and {} is a file; files and databases are not read as one table", path,
+                      options.path));
   if (options.query && !database)
     throw DataError(
         fmt::format("{}: this is no database that could be asked a query; leave out --query", options.path));

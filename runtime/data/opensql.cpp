@@ -33,6 +33,9 @@ class DatabaseReading {
  public:
   DatabaseReading(const OpenOptions& options, std::shared_ptr<SqlTable> table)
       : fOptions(options), fTable(std::move(table)), fHeaders(HeadersOf(*fTable)) {
+    if (options.resource && !options.dictionary)
+      throw DataError(fmt::format(
+          "{}: a database has no resources; leave out --resource, or name the data package with -d", fTable->name()));
     if (options.dictionary) {
       fDescriptor = ReadDictionaryOfTable(*fTable, options, fNotes);
       Prepared(*fDescriptor, options);

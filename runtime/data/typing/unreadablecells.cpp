@@ -14,7 +14,9 @@ std::string DescribeUnreadable(const std::string& source, const ColumnFacts& fac
   const UnreadableCell& cell = facts.unreadable.front();
   std::string place = cell.source.empty() ? source : cell.source;
   if (cell.line > 0) place += fmt::format(":{}", cell.line);
-  return fmt::format("{}: column {}, row {}: {} does not read as {}", place, QuotedCell(facts.header), cell.row,
+  // The rows of a database have no numbers.
+  const std::string row = cell.row > 0 ? fmt::format(", row {}", cell.row) : std::string();
+  return fmt::format("{}: column {}{}: {} does not read as {}", place, QuotedCell(facts.header), row,
                      QuotedCell(cell.text), TypeInWords(facts.type));
 }
 

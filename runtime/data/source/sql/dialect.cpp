@@ -17,6 +17,7 @@ SqlDialect PostgreSql() {
   dialect.binaryText = "({} COLLATE \"C\")";
   dialect.encoding = "SHOW server_encoding";
   dialect.convertedLength = "OCTET_LENGTH(CONVERT_TO({}, 'UTF8'))";
+  dialect.mergingCollations = "SELECT COUNT(*) FROM pg_collation WHERE NOT collisdeterministic";
   dialect.castsKeys = true;
   dialect.hasGroupingSets = true;
   dialect.sumsAreWide = true;

@@ -29,6 +29,8 @@ struct SqlDialect {
   const char* convertedLength = nullptr;    // instead of byteLength where that encoding is not UTF8
   const char* binaryText = nullptr;         // a text that is compared byte by byte, {} the column; null: as it is
   bool comparesBytes = true;                // texts are, unless a column was made otherwise
+  const char* mergingCollations =
+      nullptr;             // asks how many collations take different texts for equal; null: nobody knows
   bool castsKeys = false;  // texts are cast before they are grouped: other types that are read as texts may
                            // know no equality
   const char* preciseDouble = nullptr;  // text of a floating point number that reads back the same; null: the cast does

@@ -80,23 +80,6 @@ std::string GroupQueries::FirstRows(const SqlPlace& place, std::int64_t rows) co
   return fDialect.FirstRowsOf(Joined(cells), "FROM " + place.relation, rows);
 }
 
-std::string GroupQueries::MergedTexts(const SqlPlace& place, const std::vector<std::size_t>& columns,
-                                      std::int64_t rows) const {
-  std::vector<std::string> names;
-  std::vector<std::string> sums;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    const std::string& name = fTable.quoted(columns[i]);
-    names.push_back(fmt::format("{} AS c{}", fDialect.castsKeys ? Key(columns[i]) : name, i));
-    const auto bytes = [&](const char* change) {
-      return fmt::format(fmt::runtime(fDialect.binaryText), fmt::format("{}(c{})", change, i));
-    };
-    sums.push_back(fmt::format("SUM(CASE WHEN LOWER(c{0}) = UPPER(c{0}) AND {1} <> {2} THEN 1 ELSE 0 END)", i,
-                               bytes("LOWER"), bytes("UPPER")));
-  }
-  return fmt::format("SELECT {} FROM ({}) s", Joined(sums),
-                     fDialect.FirstRowsOf(Joined(names), "FROM " + place.relation, rows));
-}
-
 std::string GroupQueries::Groups(const SqlPlace& place, std::size_t column, std::optional<std::int64_t> most) const {
   // Within and without, the columns stand in the same order, and nothing bounds an arm: only then does PostgreSQL ask
   // the servers of all arms at once.

@@ -33,9 +33,6 @@ class GroupQueries {
   std::string Rows(const SqlPlace& place) const;
   /// The cells of the first rows, as texts.
   std::string FirstRows(const SqlPlace& place, std::int64_t rows) const;
-  /// For each of the text columns: how many of the first rows have a cell that the column's own comparison takes for
-  /// equal to another one. REQUIRES: the dialect has a binary text.
-  std::string MergedTexts(const SqlPlace& place, const std::vector<std::size_t>& columns, std::int64_t rows) const;
   /// The groups of one column: text, cases, weight. `most`: no more rows than these.
   std::string Groups(const SqlPlace& place, std::size_t column, std::optional<std::int64_t> most) const;
   /// The groups of several columns in one scan: place among the columns, text, cases, weight. REQUIRES: the dialect has

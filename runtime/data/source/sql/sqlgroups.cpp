@@ -98,17 +98,21 @@ void SqlGroups::ReadFirstRows() {
   });
 }
 
-/// A collation that takes different texts for equal would merge their groups.
+/// A collation that takes different texts for equal would merge their groups. Where the database knows such a one at
+/// all, texts are compared byte by byte.
 void SqlGroups::FindMergingCollations() {
-  if (fTable->dialect().binaryText == nullptr || !fTable->dialect().comparesBytes) return;
-  std::vector<std::size_t> texts;
-  for (std::size_t column = 0; column < fColumns.size(); ++column)
-    if (IsText(itself(column).type)) texts.push_back(column);
-  if (texts.empty()) return;
-  fTable->AskFirst(fQueries.MergedTexts(fTable->first(), texts, kMostFirstRows), [&](SqlRows& rows) {
-    for (std::size_t i = 0; i < texts.size(); ++i)
-      if (WholeCell(rows, i) > 0) fQueries.CompareBytes(texts[i]);
-  });
+  const char* const question = fTable->dialect().mergingCollations;
+  if (question == nullptr) return;
+  SqlConnection& connection = *fTable->first().connection;
+  std::int64_t collations = 0;
+  connection.Keep();
+  try {
+    fTable->AskFirst(question, [&](SqlRows& rows) { collations = WholeCell(rows, 0); });
+  } catch (const DataError&) {
+    connection.BackTo();  // an older version, which has none
+  }
+  for (std::size_t column = 0; collations > 0 && column < fColumns.size(); ++column)
+    if (IsText(itself(column).type)) fQueries.CompareBytes(column);
 }
 
 bool SqlGroups::IsNumeric(std::size_t column) const {
