@@ -37,7 +37,6 @@ using runtime::data::test::Grouped;
 using runtime::data::test::GroupingOptions;
 using runtime::data::test::GroupingSource;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
