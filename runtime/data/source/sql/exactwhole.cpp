@@ -26,7 +26,13 @@ mpz_class WholeOfText(std::string_view text) {
     if (text.find_first_not_of('0', point + 1) != std::string_view::npos) throw std::invalid_argument("a fraction");
     text = text.substr(0, point);
   }
-  return mpz_class(std::string(text), 10);
+  // The library passes over blanks and knows no plus sign.
+  const bool hasSign = !text.empty() && (text.front() == '+' || text.front() == '-');
+  const std::string_view digits = text.substr(hasSign ? 1 : 0);
+  if (digits.empty() || digits.find_first_not_of("0123456789") != std::string_view::npos)
+    throw std::invalid_argument("no whole number");
+  const mpz_class whole(std::string(digits), 10);
+  return text.front() == '-' ? mpz_class(-whole) : whole;
 }
 
 mpz_class MultipleOf(double value, int exponent) {

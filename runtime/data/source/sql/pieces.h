@@ -11,10 +11,11 @@ namespace runtime::data {
 /// Doubles are taken apart into whole numbers of a few bits each, the high ones first. With x below 2^top, the pieces
 /// of x are
 ///   p_0 = floor(x 2^s_0),   p_i = floor(x 2^s_i) - floor(x 2^s_(i-1)) 2^bits,   s_i = (i + 1) bits - top,
-/// and x is the sum of p_i 2^-s_i when no bit of x lies below the last unit. Every step is exact in floating point:
-/// multiplying by powers of two, rounding down, and taking away what stands in front of the same number. So the sums of
-/// the pieces, which are sums of whole numbers, give the exact sum of the doubles, in any order of adding. (The idea of
-/// Demmel and Nguyen, "Fast Reproducible Floating-Point Summation", ARITH 21 (2013), with whole numbers as bins.)
+/// and x is the sum of p_i 2^-s_i when no bit of x lies below the last unit. REQUIRES: at most 53 bits where x may be
+/// negative, at most 62 elsewhere. Every step is exact in floating point: multiplying by powers of two, rounding down,
+/// and taking away what stands in front of the same number. So the sums of the pieces, which are sums of whole numbers,
+/// give the exact sum of the doubles, in any order of adding. (The idea of Demmel and Nguyen, "Fast Reproducible
+/// Floating-Point Summation", ARITH 21 (2013), with whole numbers as bins.)
 struct PiecePlan {
   int bits = 0;
   int top = 0;

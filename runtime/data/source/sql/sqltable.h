@@ -58,10 +58,10 @@ class SqlTable {
            AnswerLength length = AnswerLength::Short);
   /// Asks in the first place only.
   void AskFirst(const std::string& query, const std::function<void(SqlRows&)>& onRow);
-  /// The question over all arms of a place: `select` makes it for one relation.
   /// Behind an inner SELECT over an arm of the place: see SqlDialect::fence. A table on another server is asked
   /// without, for a fence would keep the counting here.
   const char* Fence(const SqlPlace& place) const { return place.arms.size() > 1 ? "" : fDialect.fence; }
+  /// The question over all arms of a place: `select` makes it for one relation.
   static std::string OverArms(const SqlPlace& place, const std::function<std::string(const std::string&)>& select);
 
   const SqlPlace& first() const { return fPlaces.front(); }

@@ -66,11 +66,12 @@ TEST(WholeOfText, readsDigitsOfAnyLength) {
 TEST(WholeOfText, readsEitherSign) {
   EXPECT_EQ(WholeOfText("-18446744073709551616").get_str(), "-18446744073709551616");
   EXPECT_EQ(WholeOfText("-0").get_str(), "0");
+  EXPECT_EQ(WholeOfText("+5").get_str(), "5");
 }
 
 TEST(WholeOfText, refusesWhatIsNoWholeNumber) {
   for (const char* const text :
-       {"", "-", ".", "1.5", "1.0.0", "1e5", "abc", "0x1F", "NaN", "--1", "+-1", "-+1", "1,000"})
+       {"", "-", ".", "1.5", "1.0.0", "1e5", "abc", "0x1F", "NaN", "--1", "+-1", "-+1", "1,000", " 1", "1 ", "1 2"})
     EXPECT_THROW(WholeOfText(text), std::invalid_argument) << "'" << text << "'";
 }
 
