@@ -63,8 +63,8 @@ class Pushdown(ProgramTest):
 
     def assert_workers_count(self, kind, own=()):
         settings, sent = self.statements(kind)
-        counting = [s for s in sent if COUNTS.search(s) and not PROBES.search(s) and "pg_class" not in s]
-        self.assertGreaterEqual(len(counting), 7, sent)  # one a column
+        counting = [s for s in sent if COUNTS.search(s) and not PROBES.search(s) and "pg_class" not in s and "pg_collation" not in s]
+        self.assertGreaterEqual(len(counting), 5, sent)  # columns of few values share one
         for statement in counting:
             found = plans.faults_of(plans.plan_of(self.coordinator, statement, settings), loading.WORKER_COUNT, own)
             self.assertEqual(found, [], statement[:300])
