@@ -21,6 +21,7 @@ SqlDialect PostgreSql() {
   dialect.castsKeys = true;
   dialect.hasGroupingSets = true;
   dialect.sumsAreWide = true;
+  dialect.nanIsGreatest = true;
   // With a number instead of a text the planner would not see that nothing is left out, and plan without parallelism.
   dialect.fence = " OFFSET '0'";
   dialect.hasPartitions = true;

@@ -42,6 +42,7 @@ struct SqlDialect {
   const char* fence = "";
   bool hasGroupingSets = false;
   bool sumsAreWide = false;           // a sum of 64-bit whole numbers does not overflow
+  bool nanIsGreatest = false;         // so that MIN and MAX tell whether all numbers are finite
   bool hasPartitions = false;         // FindLeaves knows where its tables' parts are
   std::vector<std::string> settings;  // statements at the begin of the transaction
 

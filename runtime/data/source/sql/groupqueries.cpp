@@ -87,18 +87,23 @@ std::string GroupQueries::Groups(const SqlPlace& place, std::size_t column, std:
                                    fmt::format("c AS v, {} AS n{}{}", fDialect.countRows, WeightGroup(), WeightSums()),
                                    " GROUP BY c" + WeightGroup());
   const std::string text = fDialect.CastToText("v", fTable.columns()[column].type);
-  if (place.arms.size() > 1) {
-    // What the arms have in common is added up before it is sent here.
-    std::string sums = ", SUM(n)";
-    if (fWeight.form == SqlWeight::Form::Pairs) sums += WeightAnswer();
-    if (fWeight.form == SqlWeight::Form::Pieces)
-      for (int i = 0; i < fWeight.pieces.count; ++i) sums += fmt::format(", SUM(p{})", i);
-    const std::string merged = fmt::format("FROM ({}) g GROUP BY v{}", arms, WeightGroup());
-    return most ? fDialect.FirstRowsOf(text + sums, merged, *most) : fmt::format("SELECT {}{} {}", text, sums, merged);
-  }
-  const std::string list = fmt::format("{}, n{}", text, WeightAnswer());
-  const std::string rest = fmt::format("FROM ({}) g", arms);
+  const std::string list = text + AnswerColumns(place);
+  const std::string rest = fmt::format("FROM ({}) g{}", arms, Merging(place, "v"));
   return most ? fDialect.FirstRowsOf(list, rest, *most) : fmt::format("SELECT {} {}", list, rest);
+}
+
+/// The cases and the weight of a finished answer. What the arms have in common is added up before it is sent here.
+std::string GroupQueries::AnswerColumns(const SqlPlace& place) const {
+  if (place.arms.size() <= 1 || fWeight.form != SqlWeight::Form::Pieces)
+    return (place.arms.size() > 1 ? ", SUM(n)" : ", n") + WeightAnswer();
+  std::string sums = ", SUM(n)";
+  for (int i = 0; i < fWeight.pieces.count; ++i) sums += fmt::format(", SUM(p{})", i);
+  return sums;
+}
+
+/// Behind the arms: what makes one answer of theirs.
+std::string GroupQueries::Merging(const SqlPlace& place, const std::string& names) const {
+  return place.arms.size() > 1 ? " GROUP BY " + names + WeightGroup() : "";
 }
 
 std::string GroupQueries::GroupingSets(const SqlPlace& place, const std::vector<std::size_t>& columns) const {
@@ -143,10 +148,11 @@ std::string GroupQueries::Grouped(const SqlPlace& place, const std::string& with
   // Within and without, the columns stand in the same order, and nothing bounds an arm: only then does PostgreSQL ask
   // the servers of all arms at once.
   return fmt::format(
-      "SELECT {}, n{} FROM ({}) g", Joined(answered), WeightAnswer(),
+      "SELECT {}{} FROM ({}) g{}", Joined(answered), AnswerColumns(place),
       Summary(place, within,
               fmt::format("{}, {} AS n{}{}", Joined(plain), fDialect.countRows, WeightGroup(), WeightSums()),
-              " GROUP BY " + Joined(plain) + WeightGroup()));
+              " GROUP BY " + Joined(plain) + WeightGroup()),
+      Merging(place, Joined(plain)));
 }
 
 }  // namespace runtime::data

@@ -60,6 +60,8 @@ class GroupQueries {
   std::string WeightGroup() const;
   /// The weight's columns of a finished answer.
   std::string WeightAnswer() const;
+  std::string AnswerColumns(const SqlPlace& place) const;
+  std::string Merging(const SqlPlace& place, const std::string& names) const;
 
   const SqlTable& fTable;
   const SqlDialect& fDialect;

@@ -32,7 +32,7 @@ struct ManyValuedFacts {
   double lowest = 0.0;
   double highest = 0.0;
   bool allWhole = true;
-  bool allFinite = true;
+  bool allFinite = true;  // whole numbers are
   int decimals = 0;
   bool decimalsAreKnown = true;  // else no question short of fetching all values finds them
   // Of texts.

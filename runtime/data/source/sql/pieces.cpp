@@ -9,11 +9,14 @@ namespace runtime::data {
 
 namespace {
 
+/// number 2^power, a double.
+std::string Scaled(const SqlDialect& dialect, const std::string& number, int power) {
+  return fmt::format("{} * {}", number, dialect.CastToDouble(NumberLiteral(std::ldexp(1.0, power))));
+}
+
 /// floor(number 2^power), a double.
 std::string Cut(const SqlDialect& dialect, const std::string& number, int power) {
-  const std::string scaled =
-      fmt::format("{} * {}", number, dialect.CastToDouble(NumberLiteral(std::ldexp(1.0, power))));
-  return fmt::format("FLOOR({})", scaled);
+  return fmt::format("FLOOR({})", Scaled(dialect, number, power));
 }
 
 }  // namespace
@@ -28,6 +31,7 @@ std::optional<PiecePlan> PlanPieces(int top, int lowest, int bits) {
 }
 
 std::string PieceExpression(const SqlDialect& dialect, const std::string& number, const PiecePlan& plan, int i) {
+  if (plan.count == 1) return dialect.CastToWhole(Scaled(dialect, number, -plan.exponent(i)));
   const std::string cut = Cut(dialect, number, -plan.exponent(i));
   if (i == 0) return dialect.CastToWhole(cut);
   return dialect.CastToWhole(fmt::format("{} - {} * {}", cut, Cut(dialect, number, -plan.exponent(i - 1)),
@@ -36,8 +40,7 @@ std::string PieceExpression(const SqlDialect& dialect, const std::string& number
 
 std::string HasBitsBelow(const SqlDialect& dialect, const std::string& number, const PiecePlan& plan) {
   const int power = -plan.lowestExponent();
-  return fmt::format("{} <> {} * {}", Cut(dialect, number, power), number,
-                     dialect.CastToDouble(NumberLiteral(std::ldexp(1.0, power))));
+  return fmt::format("{} <> {}", Cut(dialect, number, power), Scaled(dialect, number, power));
 }
 
 }  // namespace runtime::data

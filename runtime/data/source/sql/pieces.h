@@ -29,7 +29,8 @@ struct PiecePlan {
 /// A plan for numbers whose highest and lowest bits are these; none when they lie too far apart or too far out.
 std::optional<PiecePlan> PlanPieces(int top, int lowest, int bits);
 
-/// Piece i of `number`, an expression of doubles, as a 64-bit whole number.
+/// Piece i of `number`, an expression of doubles, as a 64-bit whole number. Of a number with bits below it, the only
+/// piece of a plan is not defined.
 std::string PieceExpression(const SqlDialect& dialect, const std::string& number, const PiecePlan& plan, int i);
 
 /// Whether any bit of `number` lies below the pieces.

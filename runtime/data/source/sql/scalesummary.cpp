@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <map>
 #include <optional>
@@ -28,7 +29,18 @@ constexpr std::size_t kEdgesOfSample = 500;
 constexpr int kEqualSteps = 400;
 constexpr std::uint64_t kStepsOfOrder = 32;
 constexpr std::int64_t kFetchedAtMost = 100'000;  // cases of a stretch whose values are fetched
+constexpr std::size_t kColumnsFetched = 4;        // in one question
 constexpr std::int64_t kRowsOfSample = 5000;
+
+/// Numbers of a variable from `from` to below `to`.
+struct Stretch {
+  double from = 0.0;
+  double to = 0.0;
+  std::int64_t cases = 0;
+  mpz_class weight = 0;
+  double lowest = std::numeric_limits<double>::infinity();
+  double highest = -std::numeric_limits<double>::infinity();
+};
 
 /// One variable while it is summed up.
 struct Scale {
@@ -39,6 +51,9 @@ struct Scale {
   bool hasBitsBelow = false;
   std::vector<mpz_class> valueSums;   // by piece; weighted: one
   std::vector<mpz_class> squareSums;  // by pair of pieces
+  std::map<double, mpz_class> values;
+  std::int64_t casesOfValues = 0;
+  std::vector<Stretch> toFetch;  // whose values are not in `values` yet
 };
 
 class Summarizing {
@@ -52,15 +67,18 @@ class Summarizing {
 
   void PlanSums(Scale& scale, int bitsBelow) const {
     const ManyValuedFacts& facts = scale.request->facts;
-    const int top = TopBit(std::max(std::abs(facts.lowest), std::abs(facts.highest)));
+    const int bits = fWeighted && !fByWeight ? kBitsOfDecimals : kBitsOfProducts;
+    int top = std::max(1, TopBit(std::max(std::abs(facts.lowest), std::abs(facts.highest))));
     int lowest = 0;
-    if (!facts.allWhole) {
+    if (facts.allWhole) {
+      top = (top + bits - 1) / bits * bits;  // the last piece's unit is 1
+    } else {
       lowest = top;
       for (const double number : scale.request->column.firstNumbers)
         if (number != 0.0) lowest = std::min(lowest, LowestBit(number));
       lowest -= bitsBelow;
     }
-    scale.plan = PlanPieces(std::max(top, 1), lowest, fWeighted && !fByWeight ? kBitsOfDecimals : kBitsOfProducts);
+    scale.plan = PlanPieces(top, lowest, bits);
   }
 
   void AskSums(const std::vector<Scale*>& scales) {
@@ -73,7 +91,9 @@ class Summarizing {
     }
     Levels levels;
     for (std::size_t i = 0; i < scales.size(); ++i) {
-      levels.numbers.push_back(fmt::format("{} AS v{}", ValidNumber(*scales[i]->request), i));
+      const ScaleRequest& request = *scales[i]->request;
+      levels.numbers.push_back(
+          fmt::format("{} AS v{}", IsOnePiece(*scales[i]) ? ValidWhole(request) : ValidNumber(request), i));
       AddSumsOf(*scales[i], i, levels);
     }
     if (fByWeight) {
@@ -110,32 +130,49 @@ class Summarizing {
     }
   }
 
-  /// Fills in how the values lie.
-  void FindValues(Scale& scale) {
-    fValues.clear();
-    fScale = &scale;
-    fCases = 0;
-    fLowest = std::numeric_limits<double>::infinity();
+  /// Finds out how the values lie, but for those of stretches that are to be fetched.
+  void FindStretches(Scale& scale) {
     const double infinity = std::numeric_limits<double>::infinity();
     const ManyValuedFacts& facts = scale.request->facts;
-    fToFetch.clear();
-    CutStretch(EdgesOf(scale.request->column.firstNumbers, facts.lowest, facts.highest), -infinity, infinity, 0);
-    if (!fToFetch.empty()) FetchValues();
-    if (fCases != scale.cases)
-      throw DataError(
-          fmt::format("{}: column {}: the engine found {} valid values in one question and {} in another; "
-                      "a part of the data did not answer, and no result can be trusted",
-                      fTable.name(), fTable.columns()[scale.request->column.column].name, scale.cases, fCases));
-    scale.summary.lowest = fLowest;
-    scale.summary.areWhole = facts.allWhole;
-    for (auto& [value, weight] : fValues) scale.summary.values.push_back({value, std::move(weight)});
+    scale.summary.lowest = infinity;
+    CutStretch(scale, EdgesOf(scale.request->column.firstNumbers, facts.lowest, facts.highest), -infinity, infinity, 0);
   }
 
-  std::vector<mpz_class> WeightsOfStretches(Scale& scale, const std::vector<double>& edges) {
-    fScale = &scale;
+  /// Fetches what is to be fetched. Where that is little, several variables share a question.
+  void FetchValues(const std::vector<Scale*>& scales) {
+    std::vector<Scale*> together;
+    std::int64_t cases = 0;
+    const auto fetch = [&] {
+      if (!together.empty()) AskValues(together);
+      together.clear();
+      cases = 0;
+    };
+    for (Scale* scale : scales) {
+      if (scale->toFetch.empty()) continue;
+      std::int64_t itsCases = 0;
+      for (const Stretch& stretch : scale->toFetch) itsCases += stretch.cases;
+      if (cases + itsCases > kFetchedAtMost || together.size() == kColumnsFetched) fetch();
+      together.push_back(scale);
+      cases += itsCases;
+    }
+    fetch();
+  }
+
+  void FinishValues(Scale& scale) const {
+    if (scale.casesOfValues != scale.cases)
+      throw DataError(fmt::format(
+          "{}: column {}: the engine found {} valid values in one question and {} in another; "
+          "a part of the data did not answer, and no result can be trusted",
+          fTable.name(), fTable.columns()[scale.request->column.column].name, scale.cases, scale.casesOfValues));
+    scale.summary.areWhole = scale.request->facts.allWhole;
+    for (auto& [value, weight] : scale.values) scale.summary.values.push_back({value, std::move(weight)});
+  }
+
+  std::vector<mpz_class> WeightsOfStretches(const Scale& scale, const std::vector<double>& edges) {
     const double infinity = std::numeric_limits<double>::infinity();
     std::vector<mpz_class> weights;
-    for (Stretch& stretch : AskStretches(edges, -infinity, infinity)) weights.push_back(std::move(stretch.weight));
+    for (Stretch& stretch : AskStretches(scale, edges, -infinity, infinity))
+      weights.push_back(std::move(stretch.weight));
     return weights;
   }
 
@@ -144,6 +181,19 @@ class Summarizing {
     std::string number = fQueries.Number(request.column.column);
     if (request.facts.allFinite && request.missing.empty()) return number;
     return fmt::format("CASE WHEN {} THEN {} END", ValidCondition(fDialect, number, request.missing), number);
+  }
+
+  /// Whether the variable is a column of whole numbers that are small enough to be multiplied as they are.
+  bool IsOnePiece(const Scale& scale) const {
+    return fTable.columns()[scale.request->column.column].type == SqlType::Whole && scale.plan->count == 1 &&
+           (!fWeighted || fByWeight);
+  }
+
+  std::string ValidWhole(const ScaleRequest& request) const {
+    const std::string whole = fDialect.CastToWhole(fTable.quoted(request.column.column));
+    if (request.missing.empty()) return whole;
+    const std::string number = fQueries.Number(request.column.column);
+    return fmt::format("CASE WHEN {} THEN {} END", ValidCondition(fDialect, number, request.missing), whole);
   }
 
   std::string Decimal(const std::string& number, const PiecePlan& plan) const {
@@ -190,9 +240,11 @@ class Summarizing {
     const PiecePlan& plan = *scale.plan;
     const std::string v = fmt::format("v{}", i);
     levels.pieces.push_back(v);
-    levels.pieces.push_back(fmt::format("CASE WHEN {} THEN 1 ELSE 0 END AS h{}", HasBitsBelow(fDialect, v, plan), i));
     levels.sums.push_back(fmt::format("COUNT({})", v));
-    levels.sums.push_back(fmt::format("SUM(h{})", i));
+    if (MayHaveBitsBelow(scale)) {
+      levels.pieces.push_back(fmt::format("CASE WHEN {} THEN 1 ELSE 0 END AS h{}", HasBitsBelow(fDialect, v, plan), i));
+      levels.sums.push_back(fmt::format("SUM(h{})", i));
+    }
     if (fWeighted && !fByWeight) {
       levels.pieces.push_back(fmt::format("{} AS x{}", Decimal(v, plan), i));
       levels.sums.push_back(fmt::format("SUM(CASE WHEN {} IS NOT NULL THEN wn END)", v));
@@ -201,13 +253,16 @@ class Summarizing {
       return;
     }
     for (int piece = 0; piece < plan.count; ++piece) {
-      levels.pieces.push_back(fmt::format("{} AS x{}_{}", PieceExpression(fDialect, v, plan, piece), i, piece));
+      const std::string itself = IsOnePiece(scale) ? v : PieceExpression(fDialect, v, plan, piece);
+      levels.pieces.push_back(fmt::format("{} AS x{}_{}", itself, i, piece));
       levels.sums.push_back(fmt::format("SUM(x{}_{})", i, piece));
     }
     for (int one = 0; one < plan.count; ++one)
       for (int other = one; other < plan.count; ++other)
         levels.sums.push_back(fmt::format("SUM(x{0}_{1} * x{0}_{2})", i, one, other));
   }
+
+  static bool MayHaveBitsBelow(const Scale& scale) { return !scale.request->facts.allWhole; }
 
   static void AddTo(std::vector<mpz_class>& sums, std::size_t i, SqlRows& rows, std::size_t column,
                     const mpz_class& weight) {
@@ -219,7 +274,7 @@ class Summarizing {
   void TakeSums(Scale& scale, SqlRows& rows, std::size_t& at, const mpz_class& weight) const {
     const std::int64_t cases = WholeCell(rows, at++);
     scale.cases += cases;
-    scale.hasBitsBelow = WholeCell(rows, at++) > 0 || scale.hasBitsBelow;
+    if (MayHaveBitsBelow(scale)) scale.hasBitsBelow = WholeCell(rows, at++) > 0 || scale.hasBitsBelow;
     if (fWeighted && !fByWeight) {
       if (const std::optional<std::string_view> text = rows.Text(at++)) scale.summary.valid += WholeOfText(*text);
       AddTo(scale.valueSums, 0, rows, at++, weight);
@@ -265,24 +320,17 @@ class Summarizing {
 
   std::string Literal(double number) const { return fDialect.CastToDouble(NumberLiteral(number)); }
 
-  /// The number of the stretch in which v lies: of edges at or below it.
-  std::string StretchOf(const std::vector<double>& edges) const {
-    return fmt::format(fmt::runtime(fDialect.edgesBelow), "v", fmt::format("{}", fmt::join(edges, ",")));
+  /// The number of the stretch in which a number lies: of edges at or below it.
+  std::string StretchOf(const std::string& number, const std::vector<double>& edges) const {
+    return fmt::format(fmt::runtime(fDialect.edgesBelow), number, fmt::format("{}", fmt::join(edges, ",")));
   }
 
-  std::string Between(double from, double to) const {
-    std::string condition = "v IS NOT NULL";
-    if (std::isfinite(from)) condition += fmt::format(" AND v >= {}", Literal(from));
-    if (std::isfinite(to)) condition += fmt::format(" AND v < {}", Literal(to));
+  std::string Between(const std::string& number, double from, double to) const {
+    std::string condition = number + " IS NOT NULL";
+    if (std::isfinite(from)) condition += fmt::format(" AND {} >= {}", number, Literal(from));
+    if (std::isfinite(to)) condition += fmt::format(" AND {} < {}", number, Literal(to));
     return condition;
   }
-
-  struct Stretch {
-    std::int64_t cases = 0;
-    mpz_class weight = 0;
-    double lowest = std::numeric_limits<double>::infinity();
-    double highest = -std::numeric_limits<double>::infinity();
-  };
 
   mpz_class WeightOf(SqlRows& rows, std::size_t column, std::int64_t cases) const {
     return fQueries.weight().WeightOf(rows, column, static_cast<long>(cases));
@@ -295,63 +343,91 @@ class Summarizing {
     return columns;
   }
 
-  std::string Grouped(const SqlPlace& place, const std::string& key, const std::string& condition,
-                      const std::string& more) const {
-    const std::string number = ValidNumber(*fScale->request);
-    return SqlTable::OverArms(place, [&](const std::string& arm) {
-      return fmt::format(
-          "SELECT {0} AS b, {1} AS n{2}{3} FROM (SELECT {4} AS v{5} FROM {6}{8}) s WHERE {7} GROUP BY {0}", key,
-          fDialect.countRows, more, fQueries.WeightSums(), number, fQueries.WeightWithin(), arm, condition,
-          fTable.Fence(place));
-    });
-  }
-
-  std::vector<Stretch> AskStretches(const std::vector<double>& edges, double from, double to) {
+  /// The stretches that the edges cut out of the numbers from `from` to below `to`, empty ones too.
+  std::vector<Stretch> AskStretches(const Scale& scale, const std::vector<double>& edges, double from, double to) {
     std::vector<Stretch> stretches(edges.size() + 1);
-    const std::string stretch = StretchOf(edges);
-    fTable.Ask(
-        [&](const SqlPlace& place) {
-          return fmt::format("SELECT b, n, {}, {}{} FROM ({}) g", fDialect.CastToText("lo", SqlType::Double),
-                             fDialect.CastToText("hi", SqlType::Double), WeightColumns(),
-                             Grouped(place, stretch, Between(from, to), ", MIN(v) AS lo, MAX(v) AS hi"));
-        },
-        [&](SqlRows& rows) {
-          Stretch& found = stretches.at(static_cast<std::size_t>(WholeCell(rows, 0)));
-          const std::int64_t cases = WholeCell(rows, 1);
-          found.cases += cases;
-          found.lowest = std::min(found.lowest, NumberOfCell(SqlType::Double, rows.Text(2).value_or("")));
-          found.highest = std::max(found.highest, NumberOfCell(SqlType::Double, rows.Text(3).value_or("")));
-          found.weight += WeightOf(rows, 4, cases);
-        });
+    for (std::size_t i = 0; i < stretches.size(); ++i) {
+      stretches[i].from = i == 0 ? from : edges[i - 1];
+      stretches[i].to = i == edges.size() ? to : edges[i];
+    }
+    const std::string number = ValidNumber(*scale.request);
+    // The stretch is made where the number is, for the planner takes a name for one of few values, as these are, and
+    // groups in parallel; of an expression it thinks that it has as many values as the column.
+    const auto query = [&](const SqlPlace& place) {
+      return fmt::format(
+          "SELECT b, n, {}, {}{} FROM ({}) g", fDialect.CastToText("lo", SqlType::Double),
+          fDialect.CastToText("hi", SqlType::Double), WeightColumns(),
+          SqlTable::OverArms(place, [&](const std::string& arm) {
+            return fmt::format(
+                "SELECT b, {} AS n, MIN(v) AS lo, MAX(v) AS hi{} FROM (SELECT {} AS b, {} AS v{} FROM {}{}) s WHERE {} "
+                "GROUP BY b",
+                fDialect.countRows, fQueries.WeightSums(), StretchOf(number, edges), number, fQueries.WeightWithin(),
+                arm, fTable.Fence(place), Between("v", from, to));
+          }));
+    };
+    fTable.Ask(query, [&](SqlRows& rows) {
+      Stretch& found = stretches.at(static_cast<std::size_t>(WholeCell(rows, 0)));
+      const std::int64_t cases = WholeCell(rows, 1);
+      found.cases += cases;
+      found.lowest = std::min(found.lowest, NumberOfCell(SqlType::Double, rows.Text(2).value_or("")));
+      found.highest = std::max(found.highest, NumberOfCell(SqlType::Double, rows.Text(3).value_or("")));
+      found.weight += WeightOf(rows, 4, cases);
+    });
     return stretches;
   }
 
-  /// All values of the stretches that are to be fetched, in one question.
-  void FetchValues() {
-    std::string condition;
-    for (const auto& [from, to] : fToFetch)
-      condition += fmt::format("{}({})", condition.empty() ? "" : " OR ", Between(from, to));
-    fTable.Ask(
-        [&](const SqlPlace& place) {
-          return fmt::format("SELECT {}, n{} FROM ({}) g", fDialect.CastToText("b", SqlType::Double), WeightColumns(),
-                             Grouped(place, "v", "(" + condition + ")", ""));
-        },
-        [&](SqlRows& rows) {
-          const std::int64_t cases = WholeCell(rows, 1);
-          fCases += cases;
-          fValues[NumberOfCell(SqlType::Double, rows.Text(0).value_or(""))] += WeightOf(rows, 2, cases);
-        });
+  /// All values of the variables' stretches that are to be fetched, in one question: groups of what each variable has
+  /// of its own there.
+  void AskValues(const std::vector<Scale*>& scales) {
+    std::string numbers;
+    std::string values;
+    std::string names;
+    std::string answered;
+    std::string any;
+    for (std::size_t i = 0; i < scales.size(); ++i) {
+      const char* const comma = i > 0 ? ", " : "";
+      const std::string v = fmt::format("v{}", i);
+      const std::string name = fmt::format("b{}", i);
+      std::string within;
+      for (const Stretch& stretch : scales[i]->toFetch)
+        within += fmt::format("{}({})", within.empty() ? "" : " OR ", Between(v, stretch.from, stretch.to));
+      numbers += fmt::format("{}{} AS {}", comma, ValidNumber(*scales[i]->request), v);
+      values += fmt::format("{}CASE WHEN {} THEN {} END AS {}", comma, within, v, name);
+      names += comma + name;
+      answered += comma + fDialect.CastToText(name, SqlType::Double);
+      any += (i > 0 ? " OR " : "") + within;
+    }
+    const auto query = [&](const SqlPlace& place) {
+      return fmt::format(
+          "SELECT {}, n{} FROM ({}) g", answered, WeightColumns(),
+          SqlTable::OverArms(place, [&](const std::string& arm) {
+            return fmt::format(
+                "SELECT {}, {} AS n{} FROM (SELECT {}{} FROM (SELECT {}{} FROM {}{}) s WHERE {}) t GROUP BY {}", names,
+                fDialect.countRows, fQueries.WeightSums(), values, fWeighted ? ", w" : "", numbers,
+                fQueries.WeightWithin(), arm, fTable.Fence(place), any, names);
+          }));
+    };
+    fTable.Ask(query, [&](SqlRows& rows) {
+      const std::int64_t cases = WholeCell(rows, scales.size());
+      const mpz_class weight = WeightOf(rows, scales.size() + 1, cases);
+      for (std::size_t i = 0; i < scales.size(); ++i) {
+        const std::optional<std::string_view> text = rows.Text(i);
+        if (!text) continue;
+        scales[i]->casesOfValues += cases;
+        scales[i]->values[NumberOfCell(SqlType::Double, *text)] += weight;
+      }
+    });
   }
 
   /// Some values of a stretch, for finer edges.
-  std::vector<double> SampleOf(double from, double to) {
-    const std::string number = ValidNumber(*fScale->request);
+  std::vector<double> SampleOf(const Scale& scale, double from, double to) {
+    const std::string number = ValidNumber(*scale.request);
     std::vector<double> sample;
     fTable.Ask(
         [&](const SqlPlace& place) {
           return fDialect.FirstRowsOf(
               fDialect.CastToText("v", SqlType::Double),
-              fmt::format("FROM (SELECT {} AS v FROM {}) s WHERE {}", number, place.relation, Between(from, to)),
+              fmt::format("FROM (SELECT {} AS v FROM {}) s WHERE {}", number, place.relation, Between("v", from, to)),
               kRowsOfSample);
         },
         [&](SqlRows& rows) { sample.push_back(NumberOfCell(SqlType::Double, rows.Text(0).value_or(""))); });
@@ -361,35 +437,32 @@ class Summarizing {
   }
 
   /// Whether a quartile is found among cases of which `before` weigh less and which weigh `weight` themselves.
-  bool HoldsQuartile(const mpz_class& before, const mpz_class& weight) const {
+  bool HoldsQuartile(const Scale& scale, const mpz_class& before, const mpz_class& weight) const {
     // The quartile stands at (W + 1) p / 100 of the weight.
     const int unit = fWeighted ? fQueries.weight().unit : 0;
     mpz_class one = 1;
     one <<= static_cast<mp_bitcnt_t>(-unit);
     const mpz_class above = before + weight;
     for (int quarter = 1; quarter <= 3; ++quarter) {
-      const mpz_class at = (fScale->summary.valid + one) * quarter;
+      const mpz_class at = (scale.summary.valid + one) * quarter;
       if (4 * before <= at && at < 4 * above) return true;
     }
     return false;
   }
 
   /// Takes in the values from `from` to below `to`, `before` being the weight of all smaller ones.
-  void CutStretch(const std::vector<double>& edges, double from, double to, mpz_class before) {
-    const std::vector<Stretch> stretches = AskStretches(edges, from, to);
-    for (std::size_t i = 0; i < stretches.size(); ++i) {
-      const Stretch& stretch = stretches[i];
+  void CutStretch(Scale& scale, const std::vector<double>& edges, double from, double to, mpz_class before) {
+    for (const Stretch& stretch : AskStretches(scale, edges, from, to)) {
       if (stretch.cases == 0) continue;
-      fLowest = std::min(fLowest, stretch.lowest);
-      const double itsFrom = i == 0 ? from : edges[i - 1];
-      const double itsTo = i == edges.size() ? to : edges[i];
-      if (stretch.lowest == stretch.highest || !HoldsQuartile(before, stretch.weight)) {
-        fValues[stretch.highest + 0.0] += stretch.weight;
-        fCases += stretch.cases;
+      scale.summary.lowest = std::min(scale.summary.lowest, stretch.lowest);
+      if (stretch.lowest == stretch.highest || !HoldsQuartile(scale, before, stretch.weight)) {
+        scale.values[stretch.highest + 0.0] += stretch.weight;
+        scale.casesOfValues += stretch.cases;
       } else if (stretch.cases <= kFetchedAtMost) {
-        fToFetch.emplace_back(itsFrom, itsTo);
+        scale.toFetch.push_back(stretch);
       } else {
-        CutStretch(EdgesOf(SampleOf(itsFrom, itsTo), stretch.lowest, stretch.highest), itsFrom, itsTo, before);
+        CutStretch(scale, EdgesOf(SampleOf(scale, stretch.from, stretch.to), stretch.lowest, stretch.highest),
+                   stretch.from, stretch.to, before);
       }
       before += stretch.weight;
     }
@@ -400,11 +473,6 @@ class Summarizing {
   const SqlDialect& fDialect;
   bool fWeighted;
   bool fByWeight;  // the weight has few values: sums are formed for each of them, and weighted here
-  Scale* fScale = nullptr;
-  std::map<double, mpz_class> fValues;
-  std::int64_t fCases = 0;
-  double fLowest = 0.0;
-  std::vector<std::pair<double, double>> fToFetch;  // stretches, from the first number to below the second
 };
 
 /// Sums up all that can be; what lies too deep is asked again with more pieces.
@@ -458,11 +526,15 @@ std::vector<ScaleSummary> SummarizeScales(SqlTable& table, const GroupQueries& q
   std::vector<Scale> scales(requests.size());
   for (std::size_t i = 0; i < requests.size(); ++i) scales[i].request = &requests[i];
   AskAllSums(summarizing, scales);
+  std::vector<Scale*> known;
+  for (Scale& scale : scales)
+    if (scale.summary.isKnown && scale.cases > 0) known.push_back(&scale);
+  for (Scale* scale : known) summarizing.FindStretches(*scale);
+  summarizing.FetchValues(known);
+  for (Scale* scale : known) summarizing.FinishValues(*scale);
   std::vector<ScaleSummary> summaries;
-  for (Scale& scale : scales) {
-    if (scale.summary.isKnown && scale.cases > 0) summarizing.FindValues(scale);
-    summaries.push_back(std::move(scale.summary));
-  }
+  summaries.reserve(scales.size());
+  for (Scale& scale : scales) summaries.push_back(std::move(scale.summary));
   return summaries;
 }
 

@@ -48,6 +48,10 @@ double LikelyValues(std::size_t distinct, std::size_t rows) {
   return drawn * drawn / (2.0 * static_cast<double>(rows - distinct));
 }
 
+bool IsValidWeight(double number, const MissingRule& missing) {
+  return number > 0.0 && std::isfinite(number) && !missing.holds(number);
+}
+
 bool IsZero(std::string_view text) { return text.find_first_not_of("-0.") == std::string_view::npos; }
 
 /// The group of a cell. Of 0 and -0, which are equal, the database writes now one and now the other.
@@ -147,7 +151,7 @@ void SqlGroups::Read(const std::optional<WeightColumn>& weight) {
   if (!fHasFirstRows) ReadFirstRows();
   if (weight) {
     PlanWeight(*weight);
-    if (fQueries.weight().form == SqlWeight::Form::Pieces) CountRows();
+    if (fQueries.weight().form == SqlWeight::Form::Pieces && !fColumns[weight->column].isComplete) CountRows();
   }
   GroupFirstRows();
 
@@ -187,16 +191,20 @@ bool SqlGroups::PlanPiecesOfWeight(const WeightColumn& weight) {
   int lowest = 0;
   bool isSure = true;
   const auto include = [&](double number) {
-    if (!(number > 0.0) || weight.missing.holds(number)) return;
+    if (!IsValidWeight(number, weight.missing)) return;
     top = std::max(top, TopBit(number));
     lowest = std::min(lowest, LowestBit(number));
   };
   if (Group(weight.column, MostGroups())) {
     const RawGroups& groups = fColumns[weight.column].groups;
     planned.hasFewValues = groups.size() <= kMostWeightGroups;
-    for (std::size_t i = 0; i < groups.size(); ++i)
-      if (!groups.isNull(i)) include(NumberOfCell(itself(weight.column).type, groups.text(i)));
-    fColumns[weight.column].isComplete = false;  // to be grouped once more, with its weight
+    bool allCount = true;
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+      const double number = groups.isNull(i) ? NAN : NumberOfCell(itself(weight.column).type, groups.text(i));
+      include(number);
+      allCount = allCount && IsValidWeight(number, weight.missing);
+    }
+    if (allCount) planned.number = fQueries.Number(weight.column);
   } else {
     isSure = false;
     for (const Cells& cells : fFirstRows)
@@ -231,7 +239,26 @@ bool SqlGroups::PlanPiecesOfWeight(const WeightColumn& weight) {
     lowest -= 2 * bits;
   }
   fQueries.SetWeight(std::move(planned));
+  if (isSure) WeighOwnGroups(weight);
   return true;
+}
+
+/// The groups of the weight's own column are those without weights, each as heavy as its value says.
+void SqlGroups::WeighOwnGroups(const WeightColumn& weight) {
+  const RawGroups counted = std::move(fColumns[weight.column].groups);
+  RawGroups groups(true);
+  fAllWeight = 0;
+  for (std::size_t i = 0; i < counted.size(); ++i) {
+    const std::optional<std::string> text = counted.isNull(i) ? std::nullopt : std::optional(counted.text(i));
+    const double number = text ? NumberOfCell(itself(weight.column).type, *text) : NAN;
+    const std::size_t group = groups.Enter(View(text));
+    groups.AddCases(group, counted.cases(i));
+    if (!IsValidWeight(number, weight.missing)) continue;
+    const mpz_class itsWeight = MultipleOf(number, fQueries.weight().unit) * static_cast<long>(counted.cases(i));
+    groups.AddWeight(group, itsWeight);
+    fAllWeight += itsWeight;
+  }
+  fColumns[weight.column].groups = std::move(groups);
 }
 
 void SqlGroups::PlanPairs(const WeightColumn& weight) {
@@ -242,14 +269,11 @@ void SqlGroups::PlanPairs(const WeightColumn& weight) {
   planned.column = weight.column;
   const RawGroups& groups = fColumns[weight.column].groups;
   const std::vector<double> numbers = NumbersOf(fTyped[weight.column].column);
-  const auto isValid = [&](double number) {
-    return number > 0.0 && std::isfinite(number) && !weight.missing.holds(number);
-  };
   for (const double number : numbers)
-    if (isValid(number)) planned.unit = std::min(planned.unit, LowestBit(number));
+    if (IsValidWeight(number, weight.missing)) planned.unit = std::min(planned.unit, LowestBit(number));
   fAllWeight = 0;
   for (std::size_t i = 0; i < groups.size(); ++i) {
-    if (!isValid(numbers[i])) continue;
+    if (!IsValidWeight(numbers[i], weight.missing)) continue;
     const mpz_class units = MultipleOf(numbers[i], planned.unit);
     planned.ofText.emplace(groups.text(i), units);
     fAllWeight += units * static_cast<long>(groups.cases(i));
@@ -267,8 +291,7 @@ mpz_class SqlGroups::WeightOfCells(const Cells& cells) const {
     return found == weight.ofText.end() ? mpz_class(0) : found->second;
   }
   const double number = NumberOfCell(itself(weight.column).type, *cell);
-  const bool counts = number > 0.0 && !fMissingOfWeight.holds(number);
-  return counts ? MultipleOf(number, weight.unit) : mpz_class(0);
+  return IsValidWeight(number, fMissingOfWeight) ? MultipleOf(number, weight.unit) : mpz_class(0);
 }
 
 // The groups.
@@ -277,7 +300,7 @@ void SqlGroups::GroupFirstRows() {
   const bool weighted = fQueries.weight().weighted();
   for (Column& column : fColumns) {
     column.first = RawGroups(weighted);
-    column.groups = RawGroups(weighted);
+    if (!column.isComplete) column.groups = RawGroups(weighted);
   }
   for (const Cells& cells : fFirstRows) {
     const mpz_class weight = weighted ? WeightOfCells(cells) : mpz_class(1);
@@ -294,6 +317,7 @@ std::vector<std::size_t> SqlGroups::ChooseColumnsToGroup() {
   std::vector<std::size_t> together;
   const std::size_t sampled = fFirstRows.size();
   for (std::size_t column = 0; column < fColumns.size(); ++column) {
+    if (fColumns[column].isComplete) continue;
     const std::size_t distinct = fColumns[column].first.size();
     if (sampled == 0 || distinct * 5 <= sampled) {
       together.push_back(column);

@@ -68,6 +68,7 @@ class SqlGroups : public GroupSource {
   void FindMergingCollations();
   void PlanWeight(const WeightColumn& weight);
   bool PlanPiecesOfWeight(const WeightColumn& weight);
+  void WeighOwnGroups(const WeightColumn& weight);
   void PlanPairs(const WeightColumn& weight);
   mpz_class WeightOfCells(const Cells& cells) const;
   void GroupFirstRows();

@@ -18,6 +18,7 @@ namespace runtime::data {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::Pair;
@@ -155,6 +156,17 @@ TEST(GroupQueries, groupColumnsTogether) {
   EXPECT_EQ(queries.JointGroups(PlaceOf({"T"}), {1, 0}),
             "SELECT CAST(c0 AS VARCHAR), CAST(c1 AS VARCHAR), n FROM (SELECT c0, c1, COUNT(*) AS n FROM "
             "(SELECT <s> AS c0, <n> AS c1 FROM T) s GROUP BY c0, c1) g");
+}
+
+TEST(GroupQueries, addUpWhatColumnsTogetherHaveInCommonInSeveralArms) {
+  const SqlTable table = TableIn("Trino");
+  GroupQueries queries(table);
+  const std::string arm = "SELECT c0, c1, COUNT(*) AS n FROM (SELECT <s> AS c0, <n> AS c1 FROM {}) s GROUP BY c0, c1";
+  EXPECT_EQ(queries.JointGroups(PlaceOf({"A", "B"}), {1, 0}),
+            "SELECT CAST(c0 AS VARCHAR), CAST(c1 AS VARCHAR), SUM(n) FROM (" + fmt::format(fmt::runtime(arm), "A") +
+                " UNION ALL " + fmt::format(fmt::runtime(arm), "B") + ") g GROUP BY c0, c1");
+  queries.SetWeight(Pairs());
+  EXPECT_THAT(queries.JointGroups(PlaceOf({"A", "B"}), {1, 0}), EndsWith(" GROUP BY c0, c1, u) g GROUP BY c0, c1, u"));
 }
 
 TEST(GroupQueries, askForFirstRowsInTheEnginesWay) {

@@ -104,6 +104,14 @@ TEST_F(Pieces, holdZeroAndNumbersAtTheEdgesOfAPiece) {
   for (std::size_t i = 0; i < numbers.size(); ++i) EXPECT_TRUE(together[i] == mpq_class(numbers[i])) << numbers[i];
 }
 
+TEST_F(Pieces, oneAloneIsTheNumberInItsUnit) {
+  const std::vector<double> numbers = {0.0, -0.0, 0.25, -0.25, 0x1p40, 0x1p40 + 0.25, -0x1p40 - 0.25};
+  const PiecePlan plan = *PlanPieces(41, -2, 52);
+  ASSERT_EQ(plan.count, 1);
+  const mpq_class sum = PutTogether(*TableOf(numbers), plan, "SELECT SUM({}) FROM t");
+  EXPECT_TRUE(sum == ExactSum(numbers)) << sum.get_d();
+}
+
 TEST_F(Pieces, tellWhetherANumberHasBitsBelowTheLastOne) {
   const auto connection = TableOf({1.0, -1.0, 1.0 + 0x1p-10, -1.0 - 0x1p-10, 0x1p-11, -0x1p-11, 0.0});
   const auto bitsBelow = [&](int lowest) {
