@@ -90,6 +90,16 @@ void NumberColumn::Append(const double* values, std::size_t count) {
   fFacts.rows += static_cast<std::int64_t>(count);
 }
 
+void NumberColumn::WrittenDecimals(int decimals) {
+  if (fFacts.type == FieldType::Number) fFacts.decimals = std::clamp(decimals, fFacts.decimals, kMostDecimals);
+}
+
+void NumberColumn::Unreadable(std::string_view text) {
+  --fFacts.blankCells;
+  ++fFacts.unreadableCells;
+  if (fFacts.unreadable.size() < ColumnFacts::kCellsKept) fFacts.unreadable.push_back({0, 0, {}, std::string(text)});
+}
+
 void NumberColumn::AppendWhole(const double* values, std::size_t count) {
   std::vector<double> whole(values, values + count);
   for (std::size_t i = 0; i < count; ++i) {

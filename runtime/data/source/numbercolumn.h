@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "runtime/data/source/tablesource.h"
 #include "runtime/data/store/numericpart.h"
@@ -23,6 +24,9 @@ class NumberColumn {
   void Append(const std::int8_t* values, std::size_t count);
   void Append(const std::int32_t* values, std::size_t count);
   void Append(const double* values, std::size_t count);
+  /// See ColumnSink.
+  void WrittenDecimals(int decimals);
+  void Unreadable(std::string_view text);
 
   /// Of the group that is being filled.
   const NumericPart& part() const { return fPart; }

@@ -37,6 +37,10 @@ class ColumnSink {
   virtual void Integers(const std::int32_t* values, std::size_t count) = 0;
   /// NaN: no value.
   virtual void Numbers(const double* values, std::size_t count) = 0;
+  /// Some of the numbers are written with so many decimals, of which the last ones may be zeros.
+  virtual void WrittenDecimals(int decimals) { static_cast<void>(decimals); }
+  /// One of the numbers handed over before is NaN because this text of it is none that the type knows.
+  virtual void Unreadable(std::string_view text) { static_cast<void>(text); }
   /// An empty text: no value, or an empty one.
   virtual void Texts(const std::string_view* texts, std::size_t count) = 0;
 };

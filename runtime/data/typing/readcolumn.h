@@ -25,6 +25,12 @@ class ReadColumn : public ColumnSink {
   void Bytes(const std::int8_t* values, std::size_t count) override { fNumbers->Append(values, count); }
   void Integers(const std::int32_t* values, std::size_t count) override { fNumbers->Append(values, count); }
   void Numbers(const double* values, std::size_t count) override { fNumbers->Append(values, count); }
+  void WrittenDecimals(int decimals) override {
+    if (fNumbers) fNumbers->WrittenDecimals(decimals);
+  }
+  void Unreadable(std::string_view text) override {
+    if (fNumbers) fNumbers->Unreadable(text);
+  }
   void Texts(const std::string_view* texts, std::size_t count) override;
 
   /// Ends the rows of a group; cells and storage are theirs until they are stored.

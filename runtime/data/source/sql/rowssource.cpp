@@ -93,10 +93,15 @@ class SqlRowStream : public TableStream {
 
   void Keep(std::size_t column) {
     const std::optional<std::string_view> cell = fRows->Text(column);
-    if (fPiece.isText(column))
+    if (fPiece.isText(column)) {
       fPiece.AddText(column, cell ? TextOfCell(fTypes[column], *cell, fBuffer) : std::string_view());
-    else
-      fPiece.AddNumber(column, cell ? NumberOfCell(fTypes[column], *cell) : std::numeric_limits<double>::quiet_NaN());
+      return;
+    }
+    if (!cell) return fPiece.AddNumber(column, std::numeric_limits<double>::quiet_NaN());
+    const double number = NumberOfCell(fTypes[column], *cell);
+    fPiece.AddNumber(column, number);
+    if (fTypes[column] == SqlType::Decimal) fPiece.AddDecimals(column, WrittenDecimals(*cell));
+    if (IsUnreadable(fTypes[column], *cell, number)) fPiece.AddUnreadable(column, *cell);
   }
 
   const std::vector<SqlRelation>& fRelations;

@@ -1,5 +1,6 @@
 #include "runtime/data/source/sql/sqlcell.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -67,6 +68,17 @@ double NumberOfCell(SqlType type, std::string_view text) {
     default:
       return NumberOfText(text);
   }
+}
+
+bool IsUnreadable(SqlType type, std::string_view text, double number) {
+  const bool isOfTime = type == SqlType::Date || type == SqlType::Time || type == SqlType::DateTime;
+  return isOfTime && std::isnan(number) && !text.empty();
+}
+
+int WrittenDecimals(std::string_view text) {
+  constexpr std::size_t kMostDecimals = 16;
+  const std::size_t point = text.find('.');
+  return point == std::string_view::npos ? 0 : static_cast<int>(std::min(text.size() - point - 1, kMostDecimals));
 }
 
 }  // namespace runtime::data

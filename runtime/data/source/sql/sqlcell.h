@@ -20,4 +20,11 @@ inline constexpr double kLargestWhole = 9007199254740992.0;
 /// no days.
 double NumberOfCell(SqlType type, std::string_view text);
 
+/// Whether `number`, which a cell was read to, is no value although the cell is one to the database: a date, time or
+/// moment outside of the calendar.
+bool IsUnreadable(SqlType type, std::string_view text, double number);
+
+/// How many digits a decimal fraction is written with behind its point; at most 16.
+int WrittenDecimals(std::string_view text);
+
 }  // namespace runtime::data

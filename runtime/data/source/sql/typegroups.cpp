@@ -35,7 +35,10 @@ void Take(ReadColumn& reading, const SqlColumn& column, const RawGroups& groups,
     for (std::size_t i = first; i < first + count; ++i)
       numbers.push_back(groups.isNull(i) ? std::numeric_limits<double>::quiet_NaN()
                                          : NumberOfCell(column.type, groups.text(i)));
-    return reading.Numbers(numbers.data(), count);
+    reading.Numbers(numbers.data(), count);
+    for (std::size_t i = 0; i < count; ++i)
+      if (IsUnreadable(column.type, groups.text(first + i), numbers[i])) reading.Unreadable(groups.text(first + i));
+    return;
   }
   std::vector<std::string> texts;
   std::vector<std::string_view> views;
@@ -99,22 +102,12 @@ bool HasWholesBeyondDoubles(SqlType type, const RawGroups& groups) {
   return false;
 }
 
-int WrittenDecimals(const RawGroups& groups) {
-  std::size_t most = 0;
-  for (std::size_t i = 0; i < groups.size(); ++i) {
-    const std::string& text = groups.text(i);
-    const std::size_t point = text.find('.');
-    if (point != std::string::npos) most = std::max(most, text.size() - point - 1);
-  }
-  constexpr std::size_t kMostDecimals = 16;
-  return static_cast<int>(std::min(most, kMostDecimals));
-}
-
 TypedColumn TypeGroups(const SqlColumn& column, FieldType type, const ColumnPlan& plan, const RawGroups& groups) {
   TypedColumn typed = ReadGroups(column, type, plan, groups, 0, groups.size());
   // Decimal fractions keep the zeros that they are written with.
   if (column.type == SqlType::Decimal && typed.facts.type == FieldType::Number)
-    typed.facts.decimals = std::max(typed.facts.decimals, WrittenDecimals(groups));
+    for (std::size_t i = 0; i < groups.size(); ++i)
+      typed.facts.decimals = std::max(typed.facts.decimals, WrittenDecimals(groups.text(i)));
   CountCells(typed.facts, column, type, plan, groups);
   return typed;
 }

@@ -19,9 +19,6 @@ bool HasWholesBeyondDoubles(SqlType type, const RawGroups& groups);
 /// not groups; cells that do not read have no row. `type` String: as texts, whatever the database holds.
 TypedColumn TypeGroups(const SqlColumn& column, FieldType type, const ColumnPlan& plan, const RawGroups& groups);
 
-/// Most digits behind the point of a decimal number, as they are written; at most 16.
-int WrittenDecimals(const RawGroups& groups);
-
 /// The cells of some groups, in that order, which may name a group several times. REQUIRES: the cells of `column` are
 /// one piece, as those of TypeGroups are.
 StoredColumn Gather(const StoredColumn& column, const std::vector<std::uint32_t>& groups);

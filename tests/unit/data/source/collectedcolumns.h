@@ -1,6 +1,7 @@
 // The cells of a source, as texts.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -23,7 +24,9 @@ struct Collected : ColumnSink {
   void Texts(const std::string_view* texts, std::size_t count) override {
     for (std::size_t i = 0; i < count; ++i) cells.emplace_back(texts[i]);
   }
+  void WrittenDecimals(int written) override { decimals = std::max(decimals, written); }
   std::vector<std::string> cells;
+  int decimals = 0;
 };
 
 inline std::vector<Collected> ReadAll(TableSource& source, bool asText = false) {

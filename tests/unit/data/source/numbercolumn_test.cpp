@@ -62,6 +62,20 @@ TEST(WithDecimalsOf, agreesWithTheShortestTextOfAnyNumber) {
   }
 }
 
+TEST(NumberColumn, keepsTheDecimalsThatNumbersAreWrittenWith) {
+  const std::vector<double> values = {1.5, 2.25};
+  NumberColumn numbers({"n", FieldType::Number}, FieldType::Number, true);
+  numbers.WrittenDecimals(1);
+  numbers.Append(values.data(), values.size());
+  EXPECT_EQ(numbers.facts().decimals, 2);
+  numbers.WrittenDecimals(4);
+  numbers.WrittenDecimals(3);
+  EXPECT_EQ(numbers.facts().decimals, 4);
+  NumberColumn whole({"n", FieldType::Number}, FieldType::Integer, false);
+  whole.WrittenDecimals(4);
+  EXPECT_EQ(whole.facts().decimals, 0);
+}
+
 TEST(NumberColumn, tellsOfFractionsInAColumnDeclaredWhole) {
   NumberColumn column({"n", FieldType::Number}, FieldType::Integer, false);
   const std::vector<double> values = {1.0, 2.5, kNaN, 3.0};

@@ -94,6 +94,16 @@ TEST(SqlRowsSources, readEveryTypeAsItsNumbersOrTexts) {
                                           "SELECT <w>, <d>, <s>, <f>, <b>, <day>, <t>, <m>, <c>, <text> FROM T"));
 }
 
+TEST(SqlRowsSources, decimalsKeepTheZerosTheyAreWrittenWith) {
+  LaidAnswers engine;
+  engine.answers = {{{"2", "1", "2"}}, {{"1.5000", "1.50"}, {"2.00", "2.25"}}};
+  const auto source = OpenSqlRows({{&engine, "T"}}, {ColumnOf("d", SqlType::Decimal), ColumnOf("f", SqlType::Double)});
+  const std::vector<Collected> cells = ReadAll(*source);
+  EXPECT_THAT(cells[0].cells, ElementsAre("1.5", "2"));
+  EXPECT_EQ(cells[0].decimals, 4);
+  EXPECT_EQ(cells[1].decimals, 0);
+}
+
 TEST(SqlRowsSources, giveTextsOfOtherTypesWhenAsked) {
   LaidAnswers engine;
   engine.answers = {{{"1"}}, {{"t", "2020-01-01 00:00:01", "0.10"}}};

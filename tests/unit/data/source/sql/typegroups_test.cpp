@@ -11,21 +11,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/unit/data/source/sql/groupsof.h"
+
 namespace runtime::data {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::NanSensitiveDoubleEq;
-
-using Counts = std::vector<std::pair<std::optional<std::string>, std::int64_t>>;
-
-RawGroups GroupsOf(const Counts& counts) {
-  RawGroups groups;
-  for (const auto& [text, cases] : counts)
-    groups.AddCases(groups.Enter(text ? std::optional<std::string_view>(*text) : std::nullopt), cases);
-  return groups;
-}
 
 SqlColumn ColumnOf(SqlType type) {
   SqlColumn column;
@@ -134,12 +127,6 @@ TEST(WholesBeyondDoubles, areThoseAbove2To53) {
 TEST(WholesBeyondDoubles, areNoneWhereTheDatabaseHoldsDoublesOrTexts) {
   for (const SqlType type : {SqlType::Double, SqlType::Single, SqlType::Text})
     EXPECT_FALSE(HasWholesBeyondDoubles(type, GroupsOf({{"9007199254740993", 1}, {"1e300", 1}})));
-}
-
-TEST(WrittenDecimals, areTheMostBehindAnyPointAndAtMost16) {
-  EXPECT_EQ(WrittenDecimals(GroupsOf({{"1", 1}, {std::nullopt, 1}})), 0);
-  EXPECT_EQ(WrittenDecimals(GroupsOf({{"1.50", 1}, {"2.0000", 1}, {"3.1", 1}})), 4);
-  EXPECT_EQ(WrittenDecimals(GroupsOf({{"0.12345678901234567890", 1}})), 16);
 }
 
 TEST(Gathering, mayNameAGroupSeveralTimes) {
