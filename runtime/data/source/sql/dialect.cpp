@@ -13,6 +13,7 @@ SqlDialect PostgreSql() {
   dialect.name = "PostgreSQL";
   dialect.textType = "text";
   dialect.decimalType = "numeric";
+  dialect.writtenDecimals = "SCALE({})";
   dialect.edgesBelow = "WIDTH_BUCKET({0}, CAST('{{{1}}}' AS double precision[]))";
   dialect.binaryText = "({} COLLATE \"C\")";
   dialect.encoding = "SHOW server_encoding";
@@ -42,6 +43,7 @@ SqlDialect OfPostgreSqlFamily(std::string name, bool hasLongDecimals) {
   dialect.name = std::move(name);
   dialect.hasPartitions = false;
   dialect.encoding = nullptr;
+  dialect.writtenDecimals = nullptr;  // since PostgreSQL 9.6, which not all of them follow
   dialect.settings.clear();
   if (!hasLongDecimals) {
     dialect.decimalType = nullptr;

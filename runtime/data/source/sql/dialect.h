@@ -33,6 +33,7 @@ struct SqlDialect {
       nullptr;             // asks how many collations take different texts for equal; null: nobody knows
   bool castsKeys = false;  // texts are cast before they are grouped: other types that are read as texts may
                            // know no equality
+  const char* writtenDecimals = nullptr;  // how many a decimal fraction is written with; null: it cannot be asked
   const char* preciseDouble = nullptr;  // text of a floating point number that reads back the same; null: the cast does
   // How many of some ascending edges are at or below a number: {0} the number, {1} the edges with commas between them;
   // null: there is no such function.

@@ -52,6 +52,11 @@ double NumberOr(SqlRows& rows, std::size_t column, double otherwise) {
   return text ? NumberOfCell(SqlType::Double, *text) : otherwise;
 }
 
+/// Whether the engine tells the decimals of a column's numbers, zeros at their end counted.
+bool HasWrittenDecimals(const SqlDialect& dialect, SqlType type) {
+  return type == SqlType::Decimal && dialect.writtenDecimals != nullptr;
+}
+
 /// The facts of one question's columns. `allFinite`: the numbers are taken to be finite, and MIN and MAX tell whether
 /// they are.
 void AskFacts(SqlTable& table, const GroupQueries& queries, const std::vector<const ManyValuedColumn*>& columns,
@@ -82,6 +87,11 @@ void AskFacts(SqlTable& table, const GroupQueries& queries, const std::vector<co
     for (const char* const extreme : {"MIN", "MAX"})
       list += ", " + dialect.CastToText(fmt::format("{}(c{})", extreme, i), type);
     if (type == SqlType::Whole) continue;
+    if (HasWrittenDecimals(dialect, type)) {
+      list += fmt::format(", MAX({})", fmt::format(fmt::runtime(dialect.writtenDecimals), fmt::format("c{}", i)));
+      if (column.decimals == 0) list += fmt::format(", SUM(CASE WHEN c{0} <> FLOOR(c{0}) THEN 1 ELSE 0 END)", i);
+      continue;
+    }
     within += fmt::format(", {} AS f{}", FiniteNumber(table, queries, column.column, isSure), i);
     list += fmt::format(", SUM(CASE WHEN {} THEN 1 ELSE 0 END)",
                         MayHaveMoreDecimals(dialect, fmt::format("f{}", i), std::min(column.decimals, kMostDecimals)));
@@ -112,7 +122,14 @@ void AskFacts(SqlTable& table, const GroupQueries& queries, const std::vector<co
                 }
                 takeExtremes(rows, at, known);
                 at += 2;
-                if (table.columns()[column.column].type == SqlType::Whole) continue;
+                const SqlType type = table.columns()[column.column].type;
+                if (type == SqlType::Whole) continue;
+                if (HasWrittenDecimals(dialect, type)) {
+                  known.decimals =
+                      static_cast<int>(std::clamp<std::int64_t>(WholeCell(rows, at++), known.decimals, kMostDecimals));
+                  if (column.decimals > 0 || WholeCell(rows, at++) > 0) known.allWhole = false;
+                  continue;
+                }
                 if (WholeCell(rows, at++) > 0) known.allWhole = known.decimalsAreKnown = false;
                 if (column.decimals > 0) known.allWhole = false;
               }
@@ -196,7 +213,8 @@ std::vector<ManyValuedFacts> FindFacts(SqlTable& table, const GroupQueries& quer
   for (std::size_t i = 0; i < columns.size(); ++i) {
     if (columns[i].isText) continue;
     const SqlType type = table.columns()[columns[i].column].type;
-    if (type != SqlType::Whole) FindDecimals(table, queries, columns[i], facts[i]);
+    if (type != SqlType::Whole && !HasWrittenDecimals(table.dialect(), type))
+      FindDecimals(table, queries, columns[i], facts[i]);
   }
   return facts;
 }

@@ -19,6 +19,8 @@ namespace runtime::data {
 class RawGroups {
  public:
   explicit RawGroups(bool weighted = false) : fWeighted(weighted) {}
+  RawGroups(RawGroups&&) = default;  // a copy's map would look into the texts of the original
+  RawGroups& operator=(RawGroups&&) = default;
 
   /// The group of a text, or of NULL; entered when it is new.
   std::size_t Enter(std::optional<std::string_view> text);

@@ -178,9 +178,16 @@ class Summarizing {
 
  private:
   std::string ValidNumber(const ScaleRequest& request) const {
-    std::string number = fQueries.Number(request.column.column);
-    if (request.facts.allFinite && request.missing.empty()) return number;
-    return fmt::format("CASE WHEN {} THEN {} END", ValidCondition(fDialect, number, request.missing), number);
+    return WhereValid(request, fQueries.Number(request.column.column));
+  }
+
+  /// `value`, an expression, where the variable is valid and the case has a weight; else NULL.
+  std::string WhereValid(const ScaleRequest& request, const std::string& value) const {
+    std::string condition = fQueries.weight().counts;
+    if (!request.facts.allFinite || !request.missing.empty())
+      condition += (condition.empty() ? "" : " AND ") +
+                   ValidCondition(fDialect, fQueries.Number(request.column.column), request.missing);
+    return condition.empty() ? value : fmt::format("CASE WHEN {} THEN {} END", condition, value);
   }
 
   /// Whether the variable is a column of whole numbers that are small enough to be multiplied as they are.
@@ -190,10 +197,7 @@ class Summarizing {
   }
 
   std::string ValidWhole(const ScaleRequest& request) const {
-    const std::string whole = fDialect.CastToWhole(fTable.quoted(request.column.column));
-    if (request.missing.empty()) return whole;
-    const std::string number = fQueries.Number(request.column.column);
-    return fmt::format("CASE WHEN {} THEN {} END", ValidCondition(fDialect, number, request.missing), whole);
+    return WhereValid(request, fDialect.CastToWhole(fTable.quoted(request.column.column)));
   }
 
   std::string Decimal(const std::string& number, const PiecePlan& plan) const {

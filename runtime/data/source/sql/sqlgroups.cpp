@@ -27,7 +27,6 @@ constexpr std::int64_t kFirstCells = 500'000;  // of all columns
 constexpr std::int64_t kMostGroups = 50'000;
 constexpr std::int64_t kRowsOfGroup = 30;
 constexpr std::int64_t kMostGroupsOfAny = 500'000;
-constexpr std::size_t kMostWeightGroups = 20'000;
 constexpr double kMostJointGroups = 4000.0;
 constexpr std::size_t kColumnsTogether = 30;  // grouped in one scan
 
@@ -48,10 +47,6 @@ double LikelyValues(std::size_t distinct, std::size_t rows) {
   return drawn * drawn / (2.0 * static_cast<double>(rows - distinct));
 }
 
-bool IsValidWeight(double number, const MissingRule& missing) {
-  return number > 0.0 && std::isfinite(number) && !missing.holds(number);
-}
-
 bool IsZero(std::string_view text) { return text.find_first_not_of("-0.") == std::string_view::npos; }
 
 /// The group of a cell. Of 0 and -0, which are equal, the database writes now one and now the other.
@@ -67,7 +62,11 @@ std::optional<std::size_t> FindGroup(const RawGroups& groups, std::optional<std:
 
 SqlGroups::SqlGroups(std::shared_ptr<SqlTable> table, std::vector<ColumnPlan> plans,
                      machine::ProgressListener onProgress)
-    : fTable(std::move(table)), fPlans(std::move(plans)), fOnProgress(std::move(onProgress)), fQueries(*fTable) {}
+    : fTable(std::move(table)),
+      fPlans(std::move(plans)),
+      fOnProgress(std::move(onProgress)),
+      fQueries(*fTable),
+      fFetch(*fTable, fQueries) {}
 
 SqlGroups::~SqlGroups() = default;
 
@@ -87,6 +86,7 @@ void SqlGroups::CountRows() {
                 if (fQueries.weight().form != SqlWeight::Form::Pairs)
                   fAllWeight += fQueries.weight().WeightOf(rows, 1, static_cast<long>(cases));
               });
+  fFetch.SetRows(fRows);
 }
 
 void SqlGroups::ReadFirstRows() {
@@ -122,7 +122,10 @@ void SqlGroups::FindMergingCollations() {
 bool SqlGroups::IsNumeric(std::size_t column) const {
   const FieldType declared = fPlans[column].dialect.type;
   const FieldType type = fColumns[column].type;
-  return type != FieldType::String && (declared == FieldType::Inferred || NumbersServe(type, declared));
+  // Numbers with decimals that are declared whole are read one by one, for some of them are not.
+  const bool isDeclaredWhole = type == FieldType::Number && declared == FieldType::Integer;
+  return type != FieldType::String && !isDeclaredWhole &&
+         (declared == FieldType::Inferred || NumbersServe(type, declared));
 }
 
 std::int64_t SqlGroups::MostGroups() const { return std::clamp(fRows / kRowsOfGroup, kMostGroups, kMostGroupsOfAny); }
@@ -151,7 +154,7 @@ void SqlGroups::Read(const std::optional<WeightColumn>& weight) {
   if (!fHasFirstRows) ReadFirstRows();
   if (weight) {
     PlanWeight(*weight);
-    if (fQueries.weight().form == SqlWeight::Form::Pieces && !fColumns[weight->column].isComplete) CountRows();
+    if (!fColumns[weight->column].isComplete) CountRows();  // for the weight of all
   }
   GroupFirstRows();
 
@@ -173,125 +176,31 @@ void SqlGroups::Read(const std::optional<WeightColumn>& weight) {
 
 void SqlGroups::PlanWeight(const WeightColumn& weight) {
   fMissingOfWeight = weight.missing;
-  if (IsExactNumber(itself(weight.column).type) && IsNumeric(weight.column) && PlanPiecesOfWeight(weight)) return;
-  PlanPairs(weight);
+  const std::size_t column = weight.column;
+  const SqlType type = itself(column).type;
+  const bool isNumeric = IsExactNumber(type) && IsNumeric(column);
+  std::optional<SqlWeight> planned;
+  if (isNumeric && Group(column, MostGroups())) {
+    planned = PlanKnownWeight(fTable->dialect(), fQueries, weight, type, fColumns[column].groups, fRows);
+  } else if (isNumeric) {
+    Cells cells;
+    for (const Cells& row : fFirstRows) cells.push_back(row[column]);
+    planned = PlanManyValuedWeight(*fTable, fQueries, weight, cells, fRows);
+    if (planned) return fQueries.SetWeight(std::move(*planned));
+  }
+  Complete(column);
+  Type(column);
+  const std::vector<double> numbers = NumbersOf(fTyped[column].column);
+  fQueries.SetWeight(planned ? std::move(*planned) : PlanPairs(weight, fColumns[column].groups, numbers));
+  KeepOwnGroupsOfWeight(weight, numbers);
 }
 
-bool SqlGroups::PlanPiecesOfWeight(const WeightColumn& weight) {
-  const SqlDialect& dialect = fTable->dialect();
-  SqlWeight planned;
-  planned.form = SqlWeight::Form::Pieces;
-  planned.column = weight.column;
-  planned.number = ValidWeightExpression(dialect, fQueries.Number(weight.column), weight.missing);
-  constexpr int kBits = 62;
-  const int bitsOfSum = 62 - TopBit(static_cast<double>(fRows));
-  const int bits = dialect.sumsAreWide ? kBits : std::min(52, bitsOfSum);
-
-  int top = 1;
-  int lowest = 0;
-  bool isSure = true;
-  const auto include = [&](double number) {
-    if (!IsValidWeight(number, weight.missing)) return;
-    top = std::max(top, TopBit(number));
-    lowest = std::min(lowest, LowestBit(number));
-  };
-  if (Group(weight.column, MostGroups())) {
-    const RawGroups& groups = fColumns[weight.column].groups;
-    planned.hasFewValues = groups.size() <= kMostWeightGroups;
-    bool allCount = true;
-    for (std::size_t i = 0; i < groups.size(); ++i) {
-      const double number = groups.isNull(i) ? NAN : NumberOfCell(itself(weight.column).type, groups.text(i));
-      include(number);
-      allCount = allCount && IsValidWeight(number, weight.missing);
-    }
-    if (allCount) planned.number = fQueries.Number(weight.column);
-  } else {
-    isSure = false;
-    for (const Cells& cells : fFirstRows)
-      if (const auto& cell = cells[weight.column]) include(NumberOfCell(itself(weight.column).type, *cell));
-    const std::string valid = planned.number;
-    fTable->Ask(
-        [&](const SqlPlace& place) {
-          return fmt::format(
-              "SELECT {} FROM ({}) g", dialect.CastToText("hi", SqlType::Double),
-              fQueries.Summary(place, valid + " AS w", fmt::format("MAX(w) AS hi, {} AS n", dialect.countRows)));
-        },
-        [&](SqlRows& rows) {
-          if (const auto text = rows.Text(0)) top = std::max(top, TopBit(NumberOfCell(SqlType::Double, *text)));
-        });
-    lowest -= 20;
-  }
-  for (;;) {
-    const std::optional<PiecePlan> pieces = PlanPieces(top, lowest, bits);
-    if (!pieces || bits < 8) return false;
-    planned.pieces = *pieces;
-    planned.unit = pieces->lowestExponent();
-    std::int64_t deeper = 0;
-    if (!isSure)
-      fTable->Ask(
-          [&](const SqlPlace& place) {
-            return fQueries.Summary(
-                place, planned.number + " AS w",
-                fmt::format("SUM(CASE WHEN {} THEN 1 ELSE 0 END)", HasBitsBelow(dialect, "w", *pieces)));
-          },
-          [&](SqlRows& rows) { deeper += WholeCell(rows, 0); });
-    if (deeper == 0) break;
-    lowest -= 2 * bits;
-  }
-  fQueries.SetWeight(std::move(planned));
-  if (isSure) WeighOwnGroups(weight);
-  return true;
-}
-
-/// The groups of the weight's own column are those without weights, each as heavy as its value says.
-void SqlGroups::WeighOwnGroups(const WeightColumn& weight) {
-  const RawGroups counted = std::move(fColumns[weight.column].groups);
-  RawGroups groups(true);
+/// The weight's own column needs no counting with weights, for its groups say how heavy they are; nor do all rows.
+void SqlGroups::KeepOwnGroupsOfWeight(const WeightColumn& weight, const std::vector<double>& numbers) {
+  RawGroups& groups = fColumns[weight.column].groups;
+  groups = WithOwnWeights(groups, numbers, fQueries.weight(), weight.missing);
   fAllWeight = 0;
-  for (std::size_t i = 0; i < counted.size(); ++i) {
-    const std::optional<std::string> text = counted.isNull(i) ? std::nullopt : std::optional(counted.text(i));
-    const double number = text ? NumberOfCell(itself(weight.column).type, *text) : NAN;
-    const std::size_t group = groups.Enter(View(text));
-    groups.AddCases(group, counted.cases(i));
-    if (!IsValidWeight(number, weight.missing)) continue;
-    const mpz_class itsWeight = MultipleOf(number, fQueries.weight().unit) * static_cast<long>(counted.cases(i));
-    groups.AddWeight(group, itsWeight);
-    fAllWeight += itsWeight;
-  }
-  fColumns[weight.column].groups = std::move(groups);
-}
-
-void SqlGroups::PlanPairs(const WeightColumn& weight) {
-  Complete(weight.column);
-  Type(weight.column);
-  SqlWeight planned;
-  planned.form = SqlWeight::Form::Pairs;
-  planned.column = weight.column;
-  const RawGroups& groups = fColumns[weight.column].groups;
-  const std::vector<double> numbers = NumbersOf(fTyped[weight.column].column);
-  for (const double number : numbers)
-    if (IsValidWeight(number, weight.missing)) planned.unit = std::min(planned.unit, LowestBit(number));
-  fAllWeight = 0;
-  for (std::size_t i = 0; i < groups.size(); ++i) {
-    if (!IsValidWeight(numbers[i], weight.missing)) continue;
-    const mpz_class units = MultipleOf(numbers[i], planned.unit);
-    planned.ofText.emplace(groups.text(i), units);
-    fAllWeight += units * static_cast<long>(groups.cases(i));
-  }
-  fQueries.SetWeight(std::move(planned));
-  fColumns[weight.column].isComplete = false;  // to be grouped once more, with its weight
-}
-
-mpz_class SqlGroups::WeightOfCells(const Cells& cells) const {
-  const SqlWeight& weight = fQueries.weight();
-  const std::optional<std::string>& cell = cells[weight.column];
-  if (!cell) return 0;
-  if (weight.form == SqlWeight::Form::Pairs) {
-    const auto found = weight.ofText.find(*cell);
-    return found == weight.ofText.end() ? mpz_class(0) : found->second;
-  }
-  const double number = NumberOfCell(itself(weight.column).type, *cell);
-  return IsValidWeight(number, fMissingOfWeight) ? MultipleOf(number, weight.unit) : mpz_class(0);
+  for (std::size_t i = 0; i < groups.size(); ++i) fAllWeight += groups.weight(i);
 }
 
 // The groups.
@@ -303,7 +212,9 @@ void SqlGroups::GroupFirstRows() {
     if (!column.isComplete) column.groups = RawGroups(weighted);
   }
   for (const Cells& cells : fFirstRows) {
-    const mpz_class weight = weighted ? WeightOfCells(cells) : mpz_class(1);
+    const SqlWeight& its = fQueries.weight();
+    const mpz_class weight =
+        weighted ? WeightOfCell(cells[its.column], itself(its.column).type, its, fMissingOfWeight) : mpz_class(1);
     for (std::size_t column = 0; column < fColumns.size(); ++column) {
       RawGroups& groups = fColumns[column].first;
       const std::size_t group = groups.Enter(View(cells[column]));
@@ -311,6 +222,18 @@ void SqlGroups::GroupFirstRows() {
       if (weighted) groups.AddWeight(group, weight);
     }
   }
+}
+
+/// Up to how many values that its first rows make likely a column is worth grouping. Of texts no more than tables are
+/// made of; who wants longer ones asks again. Whole numbers are quickly summed up, and have rather more values than
+/// likely ones; summing up others takes longer than fetching many groups.
+double SqlGroups::MostLikelyValues(std::size_t column) const {
+  constexpr double kMostTexts = 1000.0;
+  constexpr double kOfWhole = 0.3;
+  constexpr double kOfOthers = 2.0;
+  const SqlType type = itself(column).type;
+  if (IsText(type)) return kMostTexts;
+  return (type == SqlType::Whole ? kOfWhole : kOfOthers) * static_cast<double>(MostGroups());
 }
 
 std::vector<std::size_t> SqlGroups::ChooseColumnsToGroup() {
@@ -330,17 +253,10 @@ std::vector<std::size_t> SqlGroups::ChooseColumnsToGroup() {
     // NULL, which may fill most of a column, is no value met again.
     const std::optional<std::size_t> null = fColumns[column].first.Find(std::nullopt);
     const std::size_t nulls = null ? static_cast<std::size_t>(fColumns[column].first.cases(*null)) : 0;
-    if (LikelyValues(distinct - (null ? 1 : 0), sampled - nulls) <= 2.0 * static_cast<double>(MostGroups()))
+    if (LikelyValues(distinct - (null ? 1 : 0), sampled - nulls) <= MostLikelyValues(column))
       Group(column, MostGroups());
   }
   return together;
-}
-
-void SqlGroups::TakeRow(RawGroups& groups, SqlRows& rows, std::size_t at) const {
-  const std::size_t group = groups.Enter(rows.Text(at));
-  const std::int64_t cases = WholeCell(rows, at + 1);
-  groups.AddCases(group, cases);
-  if (groups.weighted()) groups.AddWeight(group, fQueries.weight().WeightOf(rows, at + 2, static_cast<long>(cases)));
 }
 
 /// Which columns are grouped in one scan: columns of few values together, as long as the groups of all together stay
@@ -378,64 +294,24 @@ void SqlGroups::GroupTogether(const std::vector<std::size_t>& columns) {
     Group(columns.front(), mayStay ? std::optional<std::int64_t>(MostGroups()) : std::nullopt);
     return;
   }
-  for (const std::size_t column : columns) fColumns[column].groups = RawGroups(fQueries.weight().weighted());
-  if (fFirstRows.empty())
-    fTable->Ask([&](const SqlPlace& place) { return fQueries.GroupingSets(place, columns); },
-                [&](SqlRows& rows) {
-                  const auto which = static_cast<std::size_t>(WholeCell(rows, 0));
-                  TakeRow(fColumns[columns.at(which)].groups, rows, 1);
-                });
-  else
-    fTable->Ask([&](const SqlPlace& place) { return fQueries.JointGroups(place, columns); },
-                [&](SqlRows& rows) { TakeJointRow(columns, rows); });
-  for (const std::size_t column : columns) {
-    CheckSum(column);
-    fColumns[column].isComplete = true;
-  }
-}
-
-void SqlGroups::TakeJointRow(const std::vector<std::size_t>& columns, SqlRows& rows) {
-  const std::int64_t cases = WholeCell(rows, columns.size());
-  const mpz_class weight = fQueries.weight().WeightOf(rows, columns.size() + 1, static_cast<long>(cases));
+  const GroupFetch::Scan scan = fFirstRows.empty() ? GroupFetch::Scan::GroupingSets : GroupFetch::Scan::Joint;
+  std::vector<RawGroups> groups = fFetch.OfColumns(columns, scan);
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    RawGroups& groups = fColumns[columns[i]].groups;
-    const std::size_t group = groups.Enter(rows.Text(i));
-    groups.AddCases(group, cases);
-    if (groups.weighted()) groups.AddWeight(group, weight);
+    fColumns[columns[i]].groups = std::move(groups[i]);
+    fColumns[columns[i]].isComplete = true;
   }
 }
 
 bool SqlGroups::Group(std::size_t column, std::optional<std::int64_t> most) {
-  RawGroups groups(fQueries.weight().weighted());
-  std::int64_t answers = 0;
-  const std::optional<std::int64_t> limit = most ? std::optional<std::int64_t>(*most + 1) : std::nullopt;
-  fTable->Ask([&](const SqlPlace& place) { return fQueries.Groups(place, column, limit); },
-              [&](SqlRows& rows) {
-                ++answers;
-                TakeRow(groups, rows, 0);
-              },
-              most ? AnswerLength::Short : AnswerLength::Long);
-  // Of several places it is not known which one gave how many: all together must stay below the limit of one.
-  if (limit && answers >= *limit) return false;
-  fColumns[column].groups = std::move(groups);
-  CheckSum(column);
+  std::optional<RawGroups> groups = fFetch.OfColumn(column, most);
+  if (!groups) return false;
+  fColumns[column].groups = std::move(*groups);
   fColumns[column].isComplete = true;
   return true;
 }
 
 void SqlGroups::Complete(std::size_t column) {
   if (!fColumns[column].isComplete) Group(column, std::nullopt);
-}
-
-void SqlGroups::CheckSum(std::size_t column) const { CheckCases(column, fColumns[column].groups.allCases()); }
-
-void SqlGroups::CheckCases(std::size_t column, std::int64_t counted) const {
-  if (counted == fRows) return;
-  throw DataError(
-      fmt::format("{}: column {}: the groups that the database counted have {} rows and the table has {}; a "
-                  "part of the data did not answer, or it changes while it is read, and no result can be "
-                  "trusted; run it again when all parts are there",
-                  fTable->name(), QuotedCell(itself(column).name), counted, fRows));
 }
 
 // What the columns hold.
@@ -567,7 +443,7 @@ CountedGroups SqlGroups::OfListed(std::size_t column, const std::vector<double>&
         cases += itsCases;
         weights[{kind, value}] += fQueries.weight().WeightOf(rows, 3, static_cast<long>(itsCases));
       });
-  CheckCases(column, cases);
+  fFetch.CheckCases(column, cases);
   std::vector<double> numbers;
   GroupedRows rows(fQueries.weight());
   for (const auto& [key, weight] : weights) {
@@ -663,14 +539,12 @@ std::vector<CountedGroups> SqlGroups::Count(const std::vector<CountingRequest>& 
 CountedGroups SqlGroups::CountAll(const CountingRequest& request) {
   const auto column = static_cast<std::size_t>(request.variables.front());
   // The groups of the first rows stand first, as they were given; then all of them with what is left of their weight.
-  const RawGroups first = fColumns[column].first;
+  const RawGroups& first = fColumns[column].first;
   RawGroups all(fQueries.weight().weighted());
   for (std::size_t i = 0; i < first.size(); ++i)
     all.Enter(first.isNull(i) ? std::nullopt : std::optional<std::string_view>(first.text(i)));
-  fTable->Ask([&](const SqlPlace& place) { return fQueries.Groups(place, column, std::nullopt); },
-              [&](SqlRows& rows) { TakeRow(all, rows, 0); }, AnswerLength::Long);
+  fFetch.AddAll(column, all);
   fColumns[column].groups = std::move(all);
-  CheckSum(column);
   fColumns[column].isComplete = true;
   Type(column);
   const RawGroups& groups = fColumns[column].groups;

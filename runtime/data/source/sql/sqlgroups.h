@@ -15,20 +15,16 @@
 #include "host/data/missingrule.h"
 
 #include "runtime/data/open.h"
+#include "runtime/data/source/sql/groupfetch.h"
 #include "runtime/data/source/sql/groupqueries.h"
 #include "runtime/data/source/sql/manyvalues.h"
 #include "runtime/data/source/sql/rawgroups.h"
 #include "runtime/data/source/sql/sqltable.h"
+#include "runtime/data/source/sql/weightplan.h"
 #include "runtime/data/store/groupeddataset.h"
 #include "runtime/data/typing/columntyper.h"
 
 namespace runtime::data {
-
-/// The weight of a table's cases.
-struct WeightColumn {
-  std::size_t column = 0;
-  MissingRule missing;
-};
 
 /// Order of use: Read, and again where another weight turns out to be meant; SetMissing; then, as a GroupSource,
 /// whatever a cursor asks for. One thread.
@@ -67,27 +63,21 @@ class SqlGroups : public GroupSource {
   void ReadFirstRows();
   void FindMergingCollations();
   void PlanWeight(const WeightColumn& weight);
-  bool PlanPiecesOfWeight(const WeightColumn& weight);
-  void WeighOwnGroups(const WeightColumn& weight);
-  void PlanPairs(const WeightColumn& weight);
-  mpz_class WeightOfCells(const Cells& cells) const;
+  void KeepOwnGroupsOfWeight(const WeightColumn& weight, const std::vector<double>& numbers);
   void GroupFirstRows();
 
   /// Most groups of a column that are fetched without being asked for.
   std::int64_t MostGroups() const;
+  double MostLikelyValues(std::size_t column) const;
   bool IsNumeric(std::size_t column) const;
   /// Whether the column need not be grouped as a whole.
   bool MayStayUngrouped(std::size_t column) const;
   std::vector<std::size_t> ChooseColumnsToGroup();
   std::vector<std::vector<std::size_t>> Scans(std::vector<std::size_t> columns) const;
-  void TakeJointRow(const std::vector<std::size_t>& columns, SqlRows& rows);
   void GroupTogether(const std::vector<std::size_t>& columns);
   /// False when there are more groups than the limit; then the column stays as it was.
   bool Group(std::size_t column, std::optional<std::int64_t> most);
   void Complete(std::size_t column);
-  void TakeRow(RawGroups& groups, SqlRows& rows, std::size_t at) const;
-  void CheckSum(std::size_t column) const;
-  void CheckCases(std::size_t column, std::int64_t counted) const;
   void DescribeUngrouped(const std::vector<std::size_t>& columns);
   void Type(std::size_t column);
   void TypeUngrouped(std::size_t column);
@@ -107,6 +97,7 @@ class SqlGroups : public GroupSource {
   std::vector<ColumnPlan> fPlans;
   machine::ProgressListener fOnProgress;
   GroupQueries fQueries;
+  GroupFetch fFetch;
   std::int64_t fRows = 0;
   MissingRule fMissingOfWeight;
   mpz_class fAllWeight = 0;  // in units of the weight

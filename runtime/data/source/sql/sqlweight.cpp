@@ -58,8 +58,8 @@ mpz_class SqlWeight::WeightOf(SqlRows& rows, std::size_t at, long cases) const {
   return weight;
 }
 
-std::string ValidWeightExpression(const SqlDialect& dialect, const std::string& number, const MissingRule& missing) {
-  return fmt::format("CASE WHEN {0} > {1} AND {0} <= {2}{3} THEN {0} ELSE {1} END", number, Literal(dialect, 0.0),
+std::string ValidWeightCondition(const SqlDialect& dialect, const std::string& number, const MissingRule& missing) {
+  return fmt::format("{0} > {1} AND {0} <= {2}{3}", number, Literal(dialect, 0.0),
                      Literal(dialect, std::numeric_limits<double>::max()), NotMissing(dialect, number, missing));
 }
 

@@ -28,6 +28,7 @@ struct SqlWeight {
   Form form = Form::None;
   std::size_t column = 0;  // of the weight
   std::string number;      // Pieces: the weight as an expression of doubles, 0 where it does not count
+  std::string counts;      // Pieces: the condition that a case has a weight; empty when all have
   PiecePlan pieces;
   bool hasFewValues = false;                          // Pieces: so few that they make groups
   int unit = 0;                                       // weights are multiples of 2^unit
@@ -40,8 +41,8 @@ struct SqlWeight {
   mpz_class WeightOf(SqlRows& rows, std::size_t at, long cases) const;
 };
 
-/// The weight expression: `number`, a double, where it is a valid weight, else 0.
-std::string ValidWeightExpression(const SqlDialect& dialect, const std::string& number, const MissingRule& missing);
+/// The condition that `number`, a double, is a valid weight.
+std::string ValidWeightCondition(const SqlDialect& dialect, const std::string& number, const MissingRule& missing);
 
 /// The condition that a double is a value: finite and not user-missing.
 std::string ValidCondition(const SqlDialect& dialect, const std::string& number, const MissingRule& missing);
