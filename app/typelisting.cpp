@@ -54,7 +54,7 @@ std::string WhyInWords(const TypeDecision& decision) {
     case TypeOrigin::Dictionary:
       return "the dictionary says so";
     case TypeOrigin::DataFile:
-      return "the data file says so";
+      return "the data say so";
     case TypeOrigin::Asked:
       return "nothing is inferred";
     case TypeOrigin::Cells:

@@ -161,7 +161,9 @@ void Drafting::DraftType(std::size_t column) {
 void Drafting::DraftTitle(std::size_t column) {
   FieldDescriptor& field = fDraft.table.fields[column];
   const std::string& header = fHeaders[column];
-  if (!fOptions[column].empty()) {
+  if (field.title && !field.title->empty()) {
+    fGuesses[column].push_back({"the title is what the data call the column", "the column has a comment"});
+  } else if (!fOptions[column].empty()) {
     field.title = fOptions[column];
     fGuesses[column].push_back({"the title is the option", "the header or the cells name it"});
   } else if (header.find(' ') != std::string::npos) {

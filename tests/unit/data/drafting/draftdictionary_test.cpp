@@ -59,6 +59,22 @@ TEST_F(DraftOfData, leavesLabelsAsToDos) {
   EXPECT_THAT(*draft.table.label, StartsWith(kToDo));
 }
 
+TEST_F(DraftOfData, keepsWhatTheDataCallTheirColumns) {
+  OpenOptions options;
+  options.path = fFolder.Write("t.csv", "q1,Your age?\n1,30\n");
+  options.dictionaryBeside = false;
+  options.describe = true;
+  options.forChecking = true;
+  OpenedDataset opened = OpenDataset(options);
+  auto commented = std::make_shared<TableDescriptor>(*opened.description);
+  commented->fields[0].title = "Satisfied?";
+  commented->fields[1].title = "Age in years";
+  opened.description = commented;
+  const Draft draft = DraftDictionary(opened, nullptr);
+  EXPECT_EQ(draft.table.fields[0].title, "Satisfied?");
+  EXPECT_EQ(draft.table.fields[1].title, "Age in years");
+}
+
 TEST_F(DraftOfData, declaresGuessedMissingCodes) {
   const Draft draft = Drafted("x,s\n1,yes\n2,no\n-9,Refused\n3,yes\n99,no\n");
   EXPECT_THAT(Values(draft.table.fields[0].missingValues), ElementsAre("", "-9", "99"));
