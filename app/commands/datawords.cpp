@@ -13,7 +13,8 @@ namespace app {
 
 void DataWords::AddTo(CLI::App& cli) {
   cli.add_option("DATA", paths, "data files of one table, or - for standard input")->type_name("")->required();
-  cli.add_option("--table", table, "the table of a database, or of a SQLite file that holds several")->type_name("NAME");
+  cli.add_option("--table", table, "the table of a database, or of a SQLite file that holds several")
+      ->type_name("NAME");
   cli.add_option("--threads", threads, "threads to use at most")->type_name("N")->check(CLI::PositiveNumber);
 }
 

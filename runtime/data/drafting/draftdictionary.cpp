@@ -161,7 +161,7 @@ void Drafting::DraftType(std::size_t column) {
 void Drafting::DraftTitle(std::size_t column) {
   FieldDescriptor& field = fDraft.table.fields[column];
   const std::string& header = fHeaders[column];
-  if (field.title && !field.title->empty()) {
+  if (field.title && !field.title->empty() && *field.title != header) {
     fGuesses[column].push_back({"the title is what the data call the column", "the column has a comment"});
   } else if (!fOptions[column].empty()) {
     field.title = fOptions[column];
