@@ -24,11 +24,14 @@ COLUMNS = {
     "moredecimals": "CASE g WHEN {at} THEN 1.123456 ELSE (g * 7 % 99991)::numeric END",
     "morezeros": "CASE g WHEN {at} THEN 1.5000 ELSE ((g * 7 % 99991) / 10.0)::numeric(12,1)::numeric END",
     "morebits": "CASE g WHEN {at} THEN 1e-9::float8 ELSE g / 4.0::float8 END",
+    "days": "CASE g WHEN {at} THEN 'infinity' WHEN {at} + 1 THEN '0044-03-15 BC' ELSE DATE '1990-01-01' + g % 3 END",
+    "moments": "CASE g WHEN {at} THEN '-infinity' ELSE TIMESTAMP '1990-01-01 12:00' + g % 3 * INTERVAL '1 day' END",
     "wholes": "CASE g WHEN {at} THEN 5000000000 ELSE g::bigint * 7 - 1000 END",
 }
 DICTIONARY = """{"fields": [{"name": "notnumbers", "type": "integer"}, {"name": "notdoubles", "type": "number", "missingValues": ["", "0.8414709848078965"]},
   {"name": "nonebutnan", "type": "number"}, {"name": "moredecimals", "type": "integer"}, {"name": "morezeros", "type": "number"},
-  {"name": "morebits", "type": "integer"}, {"name": "wholes", "type": "number"}, {"name": "w", "type": "number"}]}"""
+  {"name": "morebits", "type": "integer"}, {"name": "days", "type": "date"}, {"name": "moments", "type": "datetime"},
+  {"name": "wholes", "type": "number"}, {"name": "w", "type": "number"}]}"""
 
 
 class OwnValues(ProgramTest):
@@ -70,6 +73,13 @@ class OwnValues(ProgramTest):
         for weight in ([], ["--weight", "w"], ["--weight", "morebits"]):
             with self.subTest(weight=weight):
                 self.assert_counted_as_fetched("-d", "whole.schema.json", *weight)
+
+    def test_areTold(self):
+        for options in ([], ["--fetch-rows"]):
+            with self.subTest(options=options):
+                messages = "\n".join(message["text"] for message in self.report("late", *options)["messages"])
+                self.assertRegex(messages, r'"days".* "(infinity|0044-03-15 BC)" does not read as a date; it is one of 2 such cells')
+                self.assertRegex(messages, r'"moments".* "-infinity" does not read as a date with time')
 
     def test_mayBeWeightsThemselves(self):
         for weight in ("notnumbers", "notdoubles", "morebits"):

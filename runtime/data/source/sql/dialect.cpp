@@ -144,6 +144,7 @@ SqlDialect MySql(std::string name) {
 SqlDialect Unknown() {
   SqlDialect dialect;
   dialect.name = "another engine";
+  dialect.isKnown = false;
   dialect.firstRows = SqlDialect::FirstRows::FetchFirst;
   return dialect;
 }

@@ -17,6 +17,7 @@ struct SqlDialect {
   enum class FirstRows { Limit, FetchFirst, Top };
 
   std::string name;  // as the engine calls itself; "another engine" for one that is not known
+  bool isKnown = true;
   FirstRows firstRows = FirstRows::Limit;
   const char* countRows = "COUNT(*)";       // in 64 bits
   const char* textType = "VARCHAR(65535)";  // of a cast to text; null: cells are read as they are

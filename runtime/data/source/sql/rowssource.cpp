@@ -13,6 +13,7 @@
 
 #include "runtime/data/open.h"
 #include "runtime/data/source/rowpiece.h"
+#include "runtime/data/source/sql/dialect.h"
 #include "runtime/data/source/sql/sqlcell.h"
 #include "runtime/data/typing/numbertext.h"
 
@@ -138,13 +139,22 @@ class SqlRowsSource : public TableSource {
     for (const StreamColumn& wanted : columns) {
       types.push_back(fTypes[wanted.column]);
       isText.push_back(wanted.asText || fColumns[wanted.column].type == FieldType::String);
-      list += (list.empty() ? "" : ", ") + fQuoted[wanted.column];
+      list += (list.empty() ? "" : ", ") + CellOf(wanted.column);
     }
     return std::make_unique<SqlRowStream>(fRelations, std::move(types), std::move(isText), std::move(list), fRowCount,
                                           fOnQuery);
   }
 
  private:
+  /// A column as it is asked for. Drivers make dates of their own form, in which those outside of the calendar look
+  /// like others; an engine that is known is asked to write them.
+  std::string CellOf(std::size_t column) const {
+    const SqlDialect& dialect = DialectOf(fRelations.front().connection->engine());
+    const SqlType type = fTypes[column];
+    const bool isOfTime = type == SqlType::Date || type == SqlType::Time || type == SqlType::DateTime;
+    return isOfTime && dialect.isKnown ? dialect.CastToText(fQuoted[column], type) : fQuoted[column];
+  }
+
   /// Counts the rows and finds the columns whose numbers doubles do not hold.
   void Learn(const SqlRelation& relation) {
     constexpr std::size_t kColumnsAtOnce = 400;  // engines take at least a thousand results

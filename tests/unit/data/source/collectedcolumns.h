@@ -25,7 +25,9 @@ struct Collected : ColumnSink {
     for (std::size_t i = 0; i < count; ++i) cells.emplace_back(texts[i]);
   }
   void WrittenDecimals(int written) override { decimals = std::max(decimals, written); }
+  void Unreadable(std::string_view text) override { unreadable.emplace_back(text); }
   std::vector<std::string> cells;
+  std::vector<std::string> unreadable;
   int decimals = 0;
 };
 

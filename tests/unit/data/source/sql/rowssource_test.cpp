@@ -41,7 +41,10 @@ class AnswerOf : public SqlRows {
 /// An engine that gives the answers laid in, in their order.
 class LaidAnswers : public SqlConnection {
  public:
-  LaidAnswers() { fName = "odbc:DSN=laid"; }
+  explicit LaidAnswers(const std::string& engine = "laid") {
+    fName = "odbc:DSN=laid";
+    fEngine = engine;
+  }
   std::string Quoted(std::string_view identifier) const override { return "<" + std::string(identifier) + ">"; }
   std::unique_ptr<SqlRows> Ask(const std::string& query) override {
     queries.push_back(query);
@@ -102,6 +105,19 @@ TEST(SqlRowsSources, decimalsKeepTheZerosTheyAreWrittenWith) {
   EXPECT_THAT(cells[0].cells, ElementsAre("1.5", "2"));
   EXPECT_EQ(cells[0].decimals, 4);
   EXPECT_EQ(cells[1].decimals, 0);
+}
+
+TEST(SqlRowsSources, haveTheEngineWriteDatesForDriversDropWhatTheyDoNotKnow) {
+  LaidAnswers engine("PostgreSQL");
+  engine.answers = {{{"3"}}, {{"0044-03-15 BC", "12:00:00", "infinity"}, {"2020-02-29", {}, {}}, {{}, "24:61", {}}}};
+  const auto source = OpenSqlRows({{&engine, "T"}}, {ColumnOf("day", SqlType::Date), ColumnOf("t", SqlType::Time),
+                                                     ColumnOf("m", SqlType::DateTime)});
+  const std::vector<Collected> cells = ReadAll(*source);
+  EXPECT_THAT(engine.queries.back(), "SELECT CAST(<day> AS text), CAST(<t> AS text), CAST(<m> AS text) FROM T");
+  EXPECT_THAT(cells[0].cells, ElementsAre("nan", "1582934400", "nan"));
+  EXPECT_THAT(cells[0].unreadable, ElementsAre("0044-03-15 BC"));
+  EXPECT_THAT(cells[1].unreadable, ElementsAre("24:61"));
+  EXPECT_THAT(cells[2].unreadable, ElementsAre("infinity"));
 }
 
 TEST(SqlRowsSources, giveTextsOfOtherTypesWhenAsked) {
