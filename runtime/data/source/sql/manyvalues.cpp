@@ -27,7 +27,7 @@ std::string IsFinite(const SqlTable& table, const GroupQueries& queries, std::si
 
 /// A column as a finite double, NULL where it is none.
 std::string FiniteNumber(const SqlTable& table, const GroupQueries& queries, std::size_t column, bool allFinite) {
-  const std::string number = queries.Number(column);
+  std::string number = queries.Number(column);
   if (allFinite) return number;
   return fmt::format("CASE WHEN {} THEN {} END", IsFinite(table, queries, column), number);
 }
